@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vardelin::platform {
+
+// Stored by number in the registry file: never renumber.
+enum class RegistryRoot : std::uint8_t { ClassesRoot = 0, CurrentUser = 1, LocalMachine = 2, Users = 3 };
+enum class RegistryType : std::uint8_t { String = 1, ExpandString = 2, Binary = 3, DWord = 4, MultiString = 7 };
+
+struct RegistryValue {
+    std::string name; // empty for a key's default value
+    RegistryType type = RegistryType::String;
+    std::string data; // a string's bytes without a NUL; a DWord's four bytes, little-endian
+    friend bool operator==(const RegistryValue&, const RegistryValue&) = default;
+};
+
+// A store of keys and values, shared with other processes. Key paths use backslashes, with or
+// without one at the end; keys and value names compare without regard to case and keep the case of
+// their first writing. Keys and values list in the order of their first writing.
+//
+// Reading what is not there is an empty result and no error. A store that cannot be read or written
+// raises 70 (rights) or 57 with the store's path as subject.
+class Registry {
+public:
+    Registry() = default;
+    Registry(const Registry&) = delete;
+    Registry& operator=(const Registry&) = delete;
+    virtual ~Registry() = default;
+
+    virtual bool keyExists(RegistryRoot root, std::string_view key) = 0;
+    // With its parents; an existing key is left as it is.
+    virtual void createKey(RegistryRoot root, std::string_view key) = 0;
+    virtual std::optional<RegistryValue> value(RegistryRoot root, std::string_view key,
+                                               std::string_view name) = 0;
+    // Makes the key where it is missing.
+    virtual void setValue(RegistryRoot root, std::string_view key, const RegistryValue& value) = 0;
+    // Whether there was one.
+    virtual bool deleteValue(RegistryRoot root, std::string_view key, std::string_view name) = 0;
+    // The key with its values and all its subkeys; whether there was one.
+    virtual bool deleteKey(RegistryRoot root, std::string_view key) = 0;
+    virtual std::vector<std::string> subKeys(RegistryRoot root, std::string_view key) = 0;
+    virtual std::vector<RegistryValue> values(RegistryRoot root, std::string_view key) = 0;
+    // Runs the changes as one: all of them stay, or, when one raises, none. Does not nest.
+    virtual void transaction(const std::function<void()>& changes) = 0;
+
+    // The text of a string value; none where it is missing or no string.
+    std::optional<std::string> stringValue(RegistryRoot root, std::string_view key,
+                                           std::string_view name);
+    void setString(RegistryRoot root, std::string_view key, std::string_view name,
+                   std::string_view text);
+};
+
+// "HKEY_LOCAL_MACHINE" and its three siblings.
+std::string_view rootName(RegistryRoot root);
+std::optional<RegistryRoot> rootNamed(std::string_view name); // any case
+
+} // namespace vardelin::platform
