@@ -1,0 +1,88 @@
+#pragma once
+
+#include "archive/entry_names.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// What runs report beyond their flags.
+namespace vardelin::engine {
+
+// How a run ended. One definition for flags, log records, exit codes and machine-readable output.
+enum class Outcome : std::uint8_t {
+    Complete,         // all that was asked for is done
+    CompleteWithGaps, // done, but some files were missed, lost or refused
+    NothingToDo,      // nothing was new or changed; nothing was asked for
+    Cancelled,        // stopped by the person; what was done until then stays
+};
+
+// A file or entry that was left out, and why.
+struct Gap {
+    std::string path; // in drive form, or the entry as it was asked for
+    std::string reason;
+};
+
+struct BackupReport {
+    Outcome outcome = Outcome::Complete;
+    bool full = false;               // the archive was empty before
+    std::uint64_t filesScanned = 0;  // selected by the profile, changed or not
+    std::uint64_t copiesWritten = 0; // full copies and versions
+    std::uint64_t fullCopies = 0;
+    std::uint64_t versions = 0;
+    std::uint64_t renewed = 0;        // touched without a change of content
+    std::uint64_t skippedSpecial = 0; // sockets, pipes and devices
+    std::uint64_t bytesRead = 0;      // of the copies written
+    std::uint64_t bytesStored = 0;    // what they take in the archive
+    std::vector<Gap> missed;
+    std::vector<std::string> settingsSaved; // names of the groups that were written
+    std::string missedReportPath;           // empty where nothing was missed
+    std::string archiveRoot;
+    std::vector<std::string> warnings; // of the profile, such as a section that never closes
+};
+
+struct RestoreReport {
+    Outcome outcome = Outcome::Complete;
+    std::uint64_t filesRestored = 0;
+    std::uint64_t bytesRestored = 0;
+    std::vector<Gap> lost;               // missing or damaged archive files
+    std::vector<Gap> mismatched;         // saved under another password
+    std::vector<Gap> failed;             // could not be written
+    std::vector<std::string> notMatched; // entries without a copy for the date
+    std::vector<std::string> settingsRestored;
+};
+
+struct PlannedCopy {
+    std::string path; // source in drive form
+    int version = 0;  // 0 is the full copy
+    std::uint64_t sizeBytes = 0;
+};
+
+struct BackupPlan {
+    std::uint64_t filesScanned = 0;
+    std::vector<PlannedCopy> copies;
+    std::vector<Gap> missed;
+    std::vector<std::string> warnings;
+};
+
+struct CopyRecord {
+    std::string entry;       // `C:\dir\name.ext_007`
+    std::string sourcePath;  // `C:\dir\name.ext`
+    std::string archivePath; // in drive form
+    int version = 0;
+    archive::Form form = archive::Form::Compressed;
+    std::uint64_t sizeBytes = 0;   // of the source
+    std::uint64_t storedBytes = 0; // of the archive file
+    std::int64_t modifiedNs = 0;   // of the source
+    std::int64_t savedNs = 0;      // time of the run
+};
+
+struct VerifyReport {
+    std::uint64_t copiesChecked = 0;
+    std::uint64_t bytesChecked = 0; // of the sources
+    std::vector<Gap> damaged;
+    std::vector<std::string> foreign; // files in the archive that are no copies
+    bool cancelled = false;
+};
+
+} // namespace vardelin::engine
