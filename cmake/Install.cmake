@@ -1,0 +1,32 @@
+# `cmake --install BUILD --prefix DIR` makes DIR an application folder: the program in its root, and
+# beside it the folders that it works in. Installing over an application folder in use replaces the
+# programs and leaves everything that a person or a run wrote.
+
+if(TARGET vardelinctl)
+    install(TARGETS vardelinctl RUNTIME DESTINATION .)
+endif()
+
+foreach(folder Profiles Data Log/Backup Log/Restore Queue BackupPackages Help)
+    install(DIRECTORY DESTINATION ${folder})
+endforeach()
+
+# The list of recent and primary profiles has to exist, and belongs to the person from then on.
+install(CODE [[
+    set(list "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/Data/Other_Dsk.txt")
+    if(NOT EXISTS "${list}")
+        message(STATUS "Installing: ${list}")
+        file(WRITE "${list}" "")
+    endif()
+]])
+
+# The manual page and the completion stand beside the program that they describe.
+file(GLOB manualPages CONFIGURE_DEPENDS
+    ${PROJECT_SOURCE_DIR}/src/ctl/*.1 ${PROJECT_SOURCE_DIR}/docs/*.1)
+if(manualPages)
+    install(FILES ${manualPages} DESTINATION share/man/man1)
+endif()
+file(GLOB completions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/ctl/*.bash)
+foreach(completion IN LISTS completions)
+    get_filename_component(program ${completion} NAME_WE)
+    install(FILES ${completion} DESTINATION share/bash-completion/completions RENAME ${program})
+endforeach()
