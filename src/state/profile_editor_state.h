@@ -1,0 +1,163 @@
+#pragma once
+
+#include "state/controls.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vardelin::state {
+
+// Colours of a tree node's text, as 0xBBGGRR: they tell how much of what lies below is selected.
+inline constexpr std::uint32_t kWhollySelectedColor = 0x808000;
+inline constexpr std::uint32_t kPartlySelectedColor = 0x800080;
+inline constexpr std::uint32_t kUnselectedColor = 0;
+
+// One node of the source tree, as far as a profile file decides it. A node whose contents were not
+// read yet has one child with an empty text and an empty key.
+struct TreeNode {
+    std::string key;  // full path, drives and folders with a backslash at the end
+    std::string text; // as shown
+    int image = 0;    // 1 is a drive
+    std::uint32_t foreColor = kUnselectedColor;
+    bool checked = false;
+    std::optional<std::size_t> parent; // index into the tree's nodes; none for a root
+    std::size_t children = 0;
+};
+
+// In the order of insertion; a child stands behind its parent.
+struct TreeView {
+    std::vector<TreeNode> nodes;
+    bool enabled = true;
+};
+
+// The working copy of the profile in the editor, one field a control and named like it. The profile
+// writer reads it, the profile reader writes it, the editor's pages bind to it. There is one
+// instance, owned by the application.
+//
+// Whoever changes fields for the views to show again adds 1 to `revision`; a view compares it with
+// the one that it has shown last. The constructor gives the state of a new profile.
+struct ProfileEditorState {
+    ProfileEditorState();
+
+    std::uint64_t revision = 0;
+
+    // Files and settings.
+    TreeView tvwDirectory;
+    ListBox lstOtherData; // multi-select
+    ListBox lstInclude;   // with boxes; sub is the type text of the extension
+    ListBox lstExclude;   // the same, on the second form
+    TextBox txtInclNames; // comma separated
+    TextBox txtExclNames;
+    Frame fmeInclude;
+    Frame fmeOtherData;
+    Frame fmeExclude;
+    Frame fmeFilesByNames;
+
+    // Backup options.
+    ComboBox CmbDestDrives;
+    TextBox txtDestLoc;
+    CheckBox chkPassword;
+    TextBox txtPassWord;
+    ComboBox cmbHintQues;
+    TextBox txtHintAns;
+    CheckBox chkEncrypt;
+    CheckBox chkCompress{.value = 1};
+    CheckBox chkWarn;
+    TextBox txtWarn; // percent, with or without its sign
+    CheckBox chkIdle;
+    TextBox txtIdleTime; // minutes
+    CheckBox chkSizeOfBkp;
+    TextBox txtSizeOfBkp; // in the unit beside it
+    ComboBox cmbSizeOfBkp;
+    CheckBox chkQueueThrld;
+    TextBox txtQueueThrld; // files
+    CheckBox chkPrimary;
+
+    // Schedule. The list rows of a pattern are selected by `selected`.
+    CheckBox chkAutoSched;
+    DatePicker dtpStDate;
+    TimePicker dtpStTime;
+    OptionButton optDaily;
+    OptionButton optWeekly;
+    OptionButton optMonthly;
+    OptionButton optYearly;
+    TextBox txtDailyRecur; // days
+    TimePicker dtpDaily;
+    TextBox txtWeeklyRecur; // weeks
+    TimePicker dtpWeekly;
+    ListBox lstWeekDays;
+    TextBox txtMonthlyRecur; // months
+    TimePicker dtpMonthly;
+    ListBox lstMonthDate;
+    TextBox txtYearlyRecur; // years
+    TimePicker dtpYearly;
+    ListBox lstMonth;
+    ListBox lstYearDate;
+
+    // Retention.
+    OptionButton optVer1;
+    OptionButton optVer2;
+    OptionButton optVer3;
+    OptionButton optVer4;
+    OptionButton optVer5;
+    OptionButton optVer6;
+    OptionButton optVer7{.value = true};
+    OptionButton optVer8;
+    TextBox txtLatestVer;     // number of versions, for optVer6
+    TextBox txtLatestDaysVer; // number of days, for optVer8
+    Label Label4;             // "Days" behind txtLatestDaysVer
+    Label Label9;             // beside txtWarn
+
+    // Frames: 2 retention, 3 to 5 schedule, 6 to 9 the pages of the patterns, 10 security, 12
+    // start-up, 13 destination, 14 password.
+    Frame Frame1;
+    Frame Frame2;
+    Frame Frame3{.enabled = false};
+    Frame Frame4{.enabled = false};
+    Frame Frame5{.enabled = false};
+    Frame Frame6;
+    Frame Frame7{.visible = false};
+    Frame Frame8{.visible = false};
+    Frame Frame9{.visible = false};
+    Frame Frame10;
+    Frame Frame11;
+    Frame Frame12;
+    Frame Frame13;
+    Frame Frame14;
+
+    // The groups in the order of their numbers, 1 standing at index 0.
+    std::array<OptionButton*, 4> patternOptions();
+    std::array<const OptionButton*, 4> patternOptions() const;
+    std::array<OptionButton*, 8> retentionOptions();
+    std::array<const OptionButton*, 8> retentionOptions() const;
+};
+
+// The full contents of the schedule lists, nothing selected.
+void fillDayNames(ListBox& list);   // "Sunday" to "Saturday"
+void fillMonthNames(ListBox& list); // "January" to "December"
+void fillMonthDates(ListBox& list); // "1" to "31"
+
+// The first option that is on, counted from 1; 0 where none is.
+template <std::size_t N>
+int chosen(const std::array<const OptionButton*, N>& group)
+{
+    for (std::size_t i = 0; i < N; ++i) {
+        if (group[i]->value)
+            return static_cast<int>(i) + 1;
+    }
+    return 0;
+}
+
+// Switches one option on, counted from 1, and the others off, as a group of buttons does.
+template <std::size_t N>
+void choose(const std::array<OptionButton*, N>& group, int number)
+{
+    for (std::size_t i = 0; i < N; ++i)
+        group[i]->value = static_cast<int>(i) + 1 == number;
+}
+
+} // namespace vardelin::state
