@@ -1,7 +1,5 @@
 #include "logs/missed_report.h"
 
-#include "logs/run_records.h"
-
 #include <fmt/format.h>
 
 namespace vardelin::logs {
@@ -14,11 +12,11 @@ void appendPlain(std::string& text, std::string_view part)
 }
 
 std::string freePath(platform::FileSystem& fileSystem, const std::string& folder,
-                     std::string_view profileName, const base::DateTime& when)
+                     std::string_view stem, const base::DateTime& when)
 {
-    const std::string name = fmt::format("{}_{:04}{:02}{:02}{:02}{:02}{:02}", stemOf(profileName),
-                                         when.date.year, when.date.month, when.date.day,
-                                         when.time.hour, when.time.minute, when.time.second);
+    const std::string name =
+        fmt::format("{}_{:04}{:02}{:02}{:02}{:02}{:02}", stem, when.date.year, when.date.month,
+                    when.date.day, when.time.hour, when.time.minute, when.time.second);
     std::string path = platform::joinPath(folder, name + ".txt");
     for (int n = 2; fileSystem.find(path); ++n)
         path = platform::joinPath(folder, fmt::format("{}_{}.txt", name, n));
@@ -28,12 +26,12 @@ std::string freePath(platform::FileSystem& fileSystem, const std::string& folder
 } // namespace
 
 std::string writeMissedReport(platform::FileSystem& fileSystem, std::string_view appPath,
-                              std::string_view profileName, const base::DateTime& when,
+                              std::string_view stem, const base::DateTime& when,
                               std::span<const MissedFile> missed)
 {
     const std::string folder = platform::joinPath(appPath, "Log\\Missed");
     fileSystem.createFolders(folder);
-    const std::string path = freePath(fileSystem, folder, profileName, when);
+    const std::string path = freePath(fileSystem, folder, stem, when);
     std::string text;
     for (const MissedFile& file : missed) {
         appendPlain(text, file.path);

@@ -22,7 +22,7 @@ struct MissedFile {
 // `_2`, `_3` and so on stand behind its time. The report is whole or not there at all. Raises the
 // port's errors.
 std::string writeMissedReport(platform::FileSystem& fileSystem, std::string_view appPath,
-                              std::string_view profileName, const base::DateTime& when,
+                              std::string_view stem, const base::DateTime& when,
                               std::span<const MissedFile> missed);
 
 } // namespace vardelin::logs

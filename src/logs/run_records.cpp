@@ -21,7 +21,6 @@ constexpr std::string_view kBackupFolder = "Log\\Backup";
 constexpr std::string_view kRestoreFolder = "Log\\Restore";
 constexpr std::string_view kQueueFile = "Queue\\ChngFilesQueue.txt";
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::size_t kExtensionLength = 4;
 
 // The lines of a text, whichever of CR LF and LF ends them: no field holds either.
 std::vector<std::string_view> linesOf(std::string_view text)
@@ -63,12 +62,11 @@ std::string unfinishedLine(FileSystem& fileSystem, const std::string& path)
 }
 
 void appendLine(FileSystem& fileSystem, std::string_view appPath, std::string_view logFolder,
-                std::string_view profileName, std::string_view line, std::size_t fields)
+                std::string_view stem, std::string_view line, std::size_t fields)
 {
     const std::string folder = platform::joinPath(appPath, logFolder);
     fileSystem.createFolders(folder);
-    const std::string path =
-        platform::joinPath(folder, std::string(stemOf(profileName)).append(".txt"));
+    const std::string path = platform::joinPath(folder, std::string(stem).append(".txt"));
     std::string bytes;
     const std::string unfinished = unfinishedLine(fileSystem, path);
     if (unfinished.ends_with('\r')) {
@@ -151,17 +149,17 @@ std::string fieldText(std::string_view text)
     return result;
 }
 
-std::string formatBackupLine(const BackupRun& run)
+std::string formatBackupLine(const BackupRecord& record)
 {
-    return fmt::format("{}||{}||{}||{}||{}||{}", fieldText(run.profileName),
-                       run.full ? "Full" : "Incremental", base::isoDateTime(run.when), run.files,
-                       run.skipped, fieldText(run.missedReport));
+    return fmt::format("{}||{}||{}||{}||{}||{}", fieldText(record.profileName),
+                       fieldText(record.type), fieldText(record.date), record.fileCount,
+                       record.skippedCount, fieldText(record.missedReportPath));
 }
 
-std::string formatRestoreLine(const RestoreRun& run)
+std::string formatRestoreLine(const RestoreRecord& record)
 {
-    return fmt::format("{}||{}||{}||{}", fieldText(run.profileName), fieldText(run.destination),
-                       base::isoDateTime(run.when), run.files);
+    return fmt::format("{}||{}||{}||{}", fieldText(record.profileName),
+                       fieldText(record.destination), fieldText(record.date), record.fileCount);
 }
 
 BackupLine parseBackupLine(std::string_view line)
@@ -181,21 +179,17 @@ RestoreLine parseRestoreLine(std::string_view line)
             std::string(fields[3])};
 }
 
-std::string_view stemOf(std::string_view profileName)
+void appendBackupRecord(FileSystem& fileSystem, std::string_view appPath,
+                        const BackupRecord& record)
 {
-    return profileName.substr(0,
-                              profileName.size() - std::min(profileName.size(), kExtensionLength));
-}
-
-void appendBackupRecord(FileSystem& fileSystem, std::string_view appPath, const BackupRun& run)
-{
-    appendLine(fileSystem, appPath, kBackupFolder, run.profileName, formatBackupLine(run),
+    appendLine(fileSystem, appPath, kBackupFolder, record.profileName, formatBackupLine(record),
                kBackupFields);
 }
 
-void appendRestoreRecord(FileSystem& fileSystem, std::string_view appPath, const RestoreRun& run)
+void appendRestoreRecord(FileSystem& fileSystem, std::string_view appPath,
+                         const RestoreRecord& record)
 {
-    appendLine(fileSystem, appPath, kRestoreFolder, run.profileName, formatRestoreLine(run),
+    appendLine(fileSystem, appPath, kRestoreFolder, record.profileName, formatRestoreLine(record),
                kRestoreFields);
 }
 

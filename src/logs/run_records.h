@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/dates.h"
 #include "platform/file_system.h"
 
 #include <cstddef>
@@ -26,21 +25,26 @@ inline constexpr std::string_view kFieldSeparator = "||";
 inline constexpr std::size_t kBackupFields = 5; // that a line must have
 inline constexpr std::size_t kRestoreFields = 4;
 
-// What a run tells of itself.
-struct BackupRun {
-    std::string profileName;   // file name with its extension
-    bool full = false;         // the archive was empty before
-    base::DateTime when;       // local
-    std::uint64_t files = 0;   // copies written
-    std::uint64_t skipped = 0; // files missed, not files unchanged
-    std::string missedReport;  // path of the report of missed files; empty where there is none
+inline constexpr std::string_view kFullRun = "Full";               // the archive was empty before
+inline constexpr std::string_view kIncrementalRun = "Incremental"; // it was not
+
+// What a run tells of itself. `profileName` is the profile's name without its extension; it is the
+// name of the log file, too.
+struct BackupRecord {
+    std::string profileName;
+    std::string type;               // kFullRun or kIncrementalRun
+    std::string date;               // base::isoDateTime of the run's start, local
+    std::uint64_t fileCount = 0;    // copies written
+    std::uint64_t skippedCount = 0; // files missed, not files unchanged
+    std::string missedReportPath;   // empty where nothing was missed
 };
 
-struct RestoreRun {
+struct RestoreRecord {
     std::string profileName;
-    std::string destination; // where the files went: a folder, or a text for their first places
-    base::DateTime when;     // local
-    std::uint64_t files = 0;
+    std::string
+        destination; // the folder that the files went to, or what stands for their own places
+    std::string date;
+    std::uint64_t fileCount = 0; // files restored
 };
 
 // A line read back: texts as they stand, since whoever else writes logs is free in them.
@@ -69,23 +73,20 @@ struct RestoreLine {
 std::string fieldText(std::string_view text);
 
 // A line without its end.
-std::string formatBackupLine(const BackupRun& run);
-std::string formatRestoreLine(const RestoreRun& run);
+std::string formatBackupLine(const BackupRecord& record);
+std::string formatRestoreLine(const RestoreRecord& record);
 // Further fields are passed over. Raises 9 for a line with too few.
 BackupLine parseBackupLine(std::string_view line);
 RestoreLine parseRestoreLine(std::string_view line);
-
-// A profile's file name without its last four characters, the extension and its dot.
-std::string_view stemOf(std::string_view profileName);
 
 // Append one line, which is on the disk when they come back; folders and file are made where they
 // are missing. A last line that was cut short by a crash is completed first, so that it cannot end
 // the reading of the whole file. Raise the port's errors; then the file may end in a part of the
 // line.
 void appendBackupRecord(platform::FileSystem& fileSystem, std::string_view appPath,
-                        const BackupRun& run);
+                        const BackupRecord& record);
 void appendRestoreRecord(platform::FileSystem& fileSystem, std::string_view appPath,
-                         const RestoreRun& run);
+                         const RestoreRecord& record);
 
 // Where the reading of one file ended early.
 struct LogFault {
