@@ -18,9 +18,8 @@ struct MissedFile {
 // Writes `<application folder>\Log\Missed\<stem>_<YYYYMMDDHHMMSS>.txt` for a profile's run that
 // began at `when` (local) and gives its path; the backup log's line leads there. One line a file:
 // path, tab, reason, CR LF; tabs and line ends inside either are blanks. Where a report of that
-// second exists,
-// `_2`, `_3` and so on stand behind its time. The report is whole or not there at all. Raises the
-// port's errors.
+// second exists, `_2`, `_3` and so on stand behind its time. The report is whole or not there at
+// all. Raises the port's errors.
 std::string writeMissedReport(platform::FileSystem& fileSystem, std::string_view appPath,
                               std::string_view stem, const base::DateTime& when,
                               std::span<const MissedFile> missed);

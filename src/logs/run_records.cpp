@@ -159,7 +159,7 @@ std::string formatBackupLine(const BackupRecord& record)
 std::string formatRestoreLine(const RestoreRecord& record)
 {
     return fmt::format("{}||{}||{}||{}", fieldText(record.profileName),
-                       fieldText(record.destination), fieldText(record.date), record.fileCount);
+                       fieldText(record.restoredPath), fieldText(record.date), record.fileCount);
 }
 
 BackupLine parseBackupLine(std::string_view line)

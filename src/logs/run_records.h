@@ -41,8 +41,8 @@ struct BackupRecord {
 
 struct RestoreRecord {
     std::string profileName;
-    std::string
-        destination; // the folder that the files went to, or what stands for their own places
+    // The folder that the files went to, or what stands for their own places.
+    std::string restoredPath;
     std::string date;
     std::uint64_t fileCount = 0; // files restored
 };
@@ -61,7 +61,7 @@ struct BackupLine {
 
 struct RestoreLine {
     std::string profileName;
-    std::string destination;
+    std::string restoredPath;
     std::string date;
     std::string files;
 
