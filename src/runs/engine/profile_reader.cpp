@@ -1,6 +1,9 @@
 #include "runs/engine/profile_reader.h"
 
+#include "base/runtime_error.h"
 #include "base/text.h"
+#include "profile/scramble_text.h"
+#include "runs/engine/settings_groups.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +15,9 @@
 
 namespace vardelin::engine {
 namespace {
+
+using base::RuntimeError;
+namespace error_number = base::error_number;
 
 enum class Section : std::uint8_t {
     Sources,
@@ -50,8 +56,6 @@ constexpr std::array kSections{
     SectionName{Section::Scheduling, "Scheduling"},
 };
 
-constexpr std::array<std::string_view, 4> kGroups{"Registry Settings", "Desktop Settings",
-                                                  "IE Favorites", "Outlook Settings"};
 constexpr std::string_view kClosingHead = "End Of ";
 constexpr std::string_view kRetentionKey = "Backup versions";
 constexpr std::string_view kCompressKey = "Compress";
@@ -314,13 +318,10 @@ private:
 
     void readGroup(std::string_view text)
     {
-        for (const std::string_view group : kGroups) {
-            if (base::equalsIgnoringCase(text, group)) {
-                m_profile.otherData.emplace_back(group);
-                return;
-            }
-        }
-        tellUnknown();
+        const std::string_view group = settingsGroup(text);
+        if (group.empty())
+            return tellUnknown();
+        m_profile.otherData.emplace_back(group);
     }
 
     // `True` with one key, or `False`; the two words are compared exactly, as the editor does.
@@ -457,11 +458,37 @@ private:
     EngineProfile m_profile;
 };
 
+std::string readFile(platform::FileSystem& fileSystem, std::string_view path)
+{
+    try {
+        return fileSystem.readAll(path);
+    } catch (const RuntimeError& error) {
+        // A missing folder on the way is a missing profile, too.
+        if (error.number() != error_number::kPathNotFound)
+            throw;
+        throw RuntimeError(error_number::kFileNotFound, std::string(path), error.reason());
+    }
+}
+
 } // namespace
 
 EngineProfile parseProfile(std::string_view plainText)
 {
     return Parser(plainText).parse();
+}
+
+EngineProfile readProfile(platform::FileSystem& fileSystem, std::string_view path)
+{
+    const std::string bytes = readFile(fileSystem, path);
+    EngineProfile profile = parseProfile(profile::unscrambleText(bytes));
+    if (profile.hasSections)
+        return profile;
+    std::string_view reason = "not a profile: no section can be read from it";
+    if (bytes.empty())
+        reason = "not a profile: the file is empty";
+    else if (parseProfile(bytes).hasSections)
+        reason = "the profile is plain text: its saving was broken off, save it again";
+    throw RuntimeError(error_number::kInvalidCall, std::string(path), std::string(reason));
 }
 
 } // namespace vardelin::engine

@@ -1,0 +1,75 @@
+#include "runs/engine/archive_folder.h"
+
+#include <algorithm>
+#include <cctype>
+#include <utility>
+
+namespace vardelin::engine {
+
+ArchiveFolder::ArchiveFolder(std::vector<platform::FolderEntry> entries)
+    : m_entries(std::move(entries))
+{
+    m_copies.reserve(m_entries.size());
+    m_newest.reserve(m_entries.size());
+    for (const platform::FolderEntry& entry : m_entries) {
+        if (entry.kind == platform::FileKind::Folder) {
+            m_subfolders.push_back(entry.name);
+            continue;
+        }
+        if (entry.kind == platform::FileKind::Regular) {
+            if (const auto name = archive::parseCopyName(entry.name)) {
+                m_copies.push_back(
+                    {entry.name, name->sourceName, name->version, name->form, name->meta});
+                continue;
+            }
+            if (archive::isTemporaryName(entry.name)) {
+                m_temporaries.push_back(entry.name);
+                continue;
+            }
+            if (archive::parseFolderRecordName(entry.name)) {
+                m_folderRecords.push_back(entry.name);
+                continue;
+            }
+        }
+        m_foreign.push_back(entry.name);
+    }
+    for (std::size_t i = 0; i < m_copies.size(); ++i) {
+        const auto [place, isNew] = m_newest.emplace(m_copies[i].sourceName, i);
+        if (!isNew && m_copies[i].version > m_copies[place->second].version)
+            place->second = i;
+    }
+}
+
+const ListedCopy* ArchiveFolder::newest(std::string_view sourceName) const
+{
+    const auto hit = m_newest.find(sourceName);
+    return hit == m_newest.end() ? nullptr : &m_copies[hit->second];
+}
+
+bool ArchiveFolder::hasSubfolder(std::string_view name) const
+{
+    return std::find(m_subfolders.begin(), m_subfolders.end(), name) != m_subfolders.end();
+}
+
+std::string archivePathOf(std::string_view archiveRoot, std::string_view sourceFolder)
+{
+    std::string path(archiveRoot);
+    path += static_cast<char>(std::toupper(static_cast<unsigned char>(sourceFolder.front())));
+    path.append(sourceFolder.substr(2));
+    return path;
+}
+
+std::string sourcePathOf(std::string_view archiveRoot, std::string_view archiveFolder)
+{
+    if (archiveFolder.size() < archiveRoot.size() + 2)
+        return {};
+    const std::string_view rest = archiveFolder.substr(archiveRoot.size());
+    if (rest[1] != '\\' || std::isalpha(static_cast<unsigned char>(rest[0])) == 0)
+        return {};
+    std::string path(rest.substr(0, 1));
+    path += ':';
+    path.append(rest.substr(1));
+    return path;
+}
+
+} // namespace vardelin::engine

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/machine.h"
+#include "runs/engine/profile_reader.h"
+
+#include <string>
+#include <string_view>
+
+namespace vardelin::engine {
+
+// A saved profile and where its archive lies.
+struct ArchivePlace {
+    EngineProfile profile;
+    std::string profilePath;
+    std::string stem;        // the file's name without its extension
+    std::string destination; // without a backslash at its end unless it is a drive's root
+    std::string root;        // `<destination>\<stem>\`
+};
+
+// Reads the profile. Raises 53 where it is missing, 5 where it is no profile, names no destination
+// or asks for encryption, which this version does not write.
+ArchivePlace openPlace(const platform::Machine& machine, std::string_view profilePath);
+
+// The file that a run keeps in the archive root while it writes. Where it is found at the start of
+// a run, the one before it died, and what it left is cleared away.
+inline constexpr std::string_view kRunMarker = "~run";
+
+// Takes the temporary files of a run that died out of the whole archive.
+void clearTemporaries(platform::FileSystem& files, const std::string& folder);
+
+} // namespace vardelin::engine

@@ -1,0 +1,437 @@
+#include "runs/engine/backup_run.h"
+
+#include "archive/catalog.h"
+#include "base/runtime_error.h"
+#include "base/text.h"
+#include "logs/missed_report.h"
+#include "logs/run_records.h"
+#include "runs/engine/archive_place.h"
+#include "runs/engine/committer.h"
+#include "runs/engine/event_queue.h"
+#include "runs/engine/file_saver.h"
+#include "runs/engine/selection.h"
+#include "runs/engine/settings_store.h"
+#include "runs/engine/source_scan.h"
+#include "runs/engine/workers.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace vardelin::engine {
+namespace {
+
+using base::RuntimeError;
+using platform::Folder;
+
+constexpr std::size_t kMostUnits = 30000; // the total crosses the interface as 16 bits
+constexpr std::size_t kBatchFiles = 64;
+constexpr std::uint64_t kBatchBytes = 8 * 1024 * 1024;
+constexpr std::chrono::milliseconds kScanTick{50};
+
+// Consecutive files of one folder that one worker takes together.
+struct Batch {
+    std::size_t first = 0;
+    std::size_t count = 0;
+};
+
+std::vector<Batch> batchesOf(const ScanPlan& plan)
+{
+    std::vector<Batch> batches;
+    std::uint64_t bytes = 0;
+    for (std::size_t i = 0; i < plan.files.size(); ++i) {
+        const PlannedFile& file = plan.files[i];
+        const bool joins = !batches.empty() && batches.back().count < kBatchFiles &&
+                           bytes + file.sizeBytes <= kBatchBytes &&
+                           plan.files[i - 1].folder == file.folder;
+        if (joins) {
+            ++batches.back().count;
+            bytes += file.sizeBytes;
+        } else {
+            batches.push_back({i, 1});
+            bytes = file.sizeBytes;
+        }
+    }
+    return batches;
+}
+
+class BackupRun {
+public:
+    BackupRun(const platform::Machine& machine, const std::string& appPath,
+              std::string_view profileFolder, std::string_view profileFileName, const RunLink& link,
+              BackupReport& report)
+        : m_machine(machine), m_files(machine.fileSystem), m_appPath(appPath), m_link(link),
+          m_report(report), m_startNs(machine.clock.nowNs()),
+          m_place(openPlace(machine, std::string(profileFolder) + std::string(profileFileName))),
+          m_selection(m_place.profile, machine.fileSystem.isCaseSensitive()),
+          m_serial(static_cast<std::uint64_t>(m_startNs))
+    {
+        report.archiveRoot = m_place.root;
+        report.warnings = m_place.profile.problems;
+    }
+
+    void run()
+    {
+        if (!m_files.folderExists(m_place.destination))
+            throw RuntimeError(base::error_number::kPathNotFound, m_place.destination,
+                               "the destination does not exist");
+        const bool isNewArchive = !m_files.folderExists(m_place.root);
+        if (isNewArchive)
+            m_files.createFolder(m_place.root);
+        const auto lock = m_files.lockFolder(m_place.root);
+        clearAfterCrash();
+
+        scan();
+        if (!m_cancelled)
+            m_dumps = planSettings(m_machine, m_place, m_plan, m_report.missed);
+        const bool anything =
+            !m_plan.files.empty() || !m_plan.folderRecords.empty() || !m_dumps.empty();
+        if (anything && !m_cancelled) {
+            m_files.replaceFile(m_place.root + std::string(kRunMarker), {});
+            save();
+            finish();
+        }
+        conclude();
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+        if (isNewArchive && m_report.outcome == Outcome::NothingToDo) {
+            base::PendingError ignored; // an empty folder left behind harms nobody
+            ignored.attempt([&] { m_files.removeFolder(m_place.root); });
+        }
+    }
+
+private:
+    void clearAfterCrash()
+    {
+        const std::string marker = m_place.root + std::string(kRunMarker);
+        if (!m_files.fileExists(marker))
+            return;
+        clearTemporaries(m_files, m_place.root);
+        m_files.removeFile(marker);
+    }
+
+    void scan()
+    {
+        auto last = m_machine.clock.steady();
+        const ScanScope scope{m_place.root, m_place.destination, m_appPath};
+        m_plan = scanSources(m_machine, m_selection, scope, [&](std::string_view folder) {
+            const auto now = m_machine.clock.steady();
+            if (now - last >= kScanTick) {
+                last = now;
+                tellFile(folder);
+            }
+            return !m_cancelled;
+        });
+        m_report.filesScanned = m_plan.filesScanned;
+        m_report.skippedSpecial = m_plan.skippedSpecial;
+        m_report.missed = std::move(m_plan.missed);
+        // With every source gone nothing is missed: there is just nothing to do.
+        if (m_plan.anySourceFound) {
+            for (std::string& source : m_plan.vanishedSources)
+                m_report.missed.push_back({std::move(source), "it does not exist any more"});
+        }
+    }
+
+    void tellFile(std::string_view item)
+    {
+        m_link.onFile(item);
+        if (m_link.cancelled())
+            m_cancelled = true;
+    }
+
+    void save()
+    {
+        m_report.full = !m_plan.archiveHasCopies && !archiveHasCopies();
+        const std::size_t steps = m_plan.files.size() + m_dumps.size();
+        const std::size_t units = std::min(steps, kMostUnits);
+        m_unit = steps == 0 ? 0 : static_cast<double>(units) / static_cast<double>(steps);
+        m_link.onTotal(static_cast<std::int16_t>(units));
+
+        const auto batches = batchesOf(m_plan);
+        std::atomic<std::size_t> next = 0;
+        const std::size_t count = workerCount(batches.size());
+        {
+            Workers workers(m_stop);
+            workers.start(count, m_events, [&] { work(batches, next); });
+            m_events.pump(
+                count,
+                [&](const std::string& path) {
+                    tellFile(path);
+                    if (m_cancelled)
+                        m_stop = true;
+                },
+                m_link.onProgress);
+        }
+        if (!m_cancelled && !m_failure)
+            saveFolderRecords();
+        if (!m_cancelled && !m_failure)
+            saveDumps();
+    }
+
+    // Whether the archive holds copies outside the folders of today's sources.
+    bool archiveHasCopies()
+    {
+        std::vector<std::string> waiting{m_place.root};
+        while (!waiting.empty()) {
+            const std::string path = std::move(waiting.back());
+            waiting.pop_back();
+            for (const platform::FolderEntry& entry : m_files.openFolder(path)->list()) {
+                if (entry.kind == platform::FileKind::Folder)
+                    waiting.push_back(platform::joinPath(path, entry.name));
+                else if (archive::parseCopyName(entry.name))
+                    return true;
+            }
+        }
+        return false;
+    }
+
+    // One worker's life. The first failure of the archive ends all of them.
+    void work(const std::vector<Batch>& batches, std::atomic<std::size_t>& next)
+    {
+        try {
+            FileSaver saver({m_place.profile.compress, m_startNs}, m_serial);
+            for (;;) {
+                const std::size_t index = next++;
+                if (index >= batches.size() || m_stop)
+                    return;
+                saveBatch(saver, batches[index]);
+            }
+        } catch (...) {
+            const std::lock_guard lock(m_mutex);
+            if (!m_failure)
+                m_failure = std::current_exception();
+            m_stop = true;
+        }
+    }
+
+    void saveBatch(FileSaver& saver, const Batch& batch)
+    {
+        const PlannedFolder& place = m_plan.folders[m_plan.files[batch.first].folder];
+        std::unique_ptr<Folder> source;
+        std::unique_ptr<Folder> archive;
+        try {
+            source = m_files.openFolder(place.sourcePath);
+        } catch (const RuntimeError& error) {
+            missAll(batch, error.what());
+            return;
+        }
+        try {
+            archive = openArchiveFolder(place.archivePath);
+        } catch (const RuntimeError& error) {
+            // A path that is too long for the archive concerns this folder alone.
+            if (error.number() != base::error_number::kPathAccess)
+                throw;
+            missAll(batch, "its folder cannot be made in the archive: " + error.reason());
+            return;
+        }
+        for (std::size_t i = batch.first; i < batch.first + batch.count && !m_stop; ++i)
+            saveFile(saver, m_plan.files[i], place, *source, *archive);
+    }
+
+    std::unique_ptr<Folder> openArchiveFolder(const std::string& path)
+    {
+        try {
+            return m_files.openFolder(path);
+        } catch (const RuntimeError& error) {
+            if (error.number() != base::error_number::kPathNotFound &&
+                error.number() != base::error_number::kFileNotFound)
+                throw;
+        }
+        m_files.createFolders(path);
+        return m_files.openFolder(path);
+    }
+
+    void missAll(const Batch& batch, const std::string& reason)
+    {
+        for (std::size_t i = batch.first; i < batch.first + batch.count; ++i)
+            miss(m_plan.pathOf(m_plan.files[i]), reason);
+        m_events.advance(m_unit * static_cast<double>(batch.count));
+    }
+
+    void miss(std::string path, std::string reason)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_report.missed.push_back({std::move(path), std::move(reason)});
+    }
+
+    void saveFile(FileSaver& saver, const PlannedFile& file, const PlannedFolder& place,
+                  Folder& source, Folder& archive)
+    {
+        const std::string path = m_plan.pathOf(file);
+        m_events.fileBegins(path);
+        const SaveTask task{
+            source,       archive,  m_plan.text(file.name), path, m_plan.text(file.earlierName),
+            file.version, file.kind};
+        SaveResult result = saver.save(task, [&] {
+            m_events.fileBegins(path);
+            return !m_stop;
+        });
+        if (auto* saved = std::get_if<Saved>(&result)) {
+            count(file, *saved);
+            PendingCopy copy{place.archivePath,
+                             std::move(saved->temporaryName),
+                             std::move(saved->finalName),
+                             {}};
+            if (file.group >= 0 && file.earlierName.length > 0)
+                copy.replaced.emplace_back(m_plan.text(file.earlierName));
+            m_committer.add(std::move(copy));
+        } else if (const auto* renewed = std::get_if<Renewed>(&result)) {
+            if (renewed->oldName != renewed->newName)
+                archive.rename(renewed->oldName, renewed->newName);
+            const std::lock_guard lock(m_mutex);
+            ++m_report.renewed;
+        } else if (auto* missed = std::get_if<Missed>(&result)) {
+            miss(path, std::move(missed->reason));
+        }
+        m_events.advance(m_unit);
+    }
+
+    void count(const PlannedFile& file, const Saved& saved)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_report.bytesRead += saved.bytesRead;
+        m_report.bytesStored += saved.bytesStored;
+        if (file.group >= 0) {
+            settingsSaved(settingsGroupName(file.group));
+            return;
+        }
+        ++m_report.copiesWritten;
+        ++(file.version == 0 ? m_report.fullCopies : m_report.versions);
+    }
+
+    void saveFolderRecords()
+    {
+        FileSaver saver({true, m_startNs}, m_serial);
+        for (PlannedFolderRecord& record : m_plan.folderRecords) {
+            const PlannedFolder& place = m_plan.folders[record.folder];
+            try {
+                const auto attributes = m_files.openFolder(place.sourcePath)->extendedAttributes();
+                const auto archive = openArchiveFolder(place.archivePath);
+                Saved saved =
+                    saver.saveFolderRecord(*archive, place.sourcePath, record.meta, attributes);
+                m_committer.add({place.archivePath, std::move(saved.temporaryName),
+                                 std::move(saved.finalName), std::move(record.oldRecords)});
+            } catch (const RuntimeError& error) {
+                if (error.number() != base::error_number::kPathNotFound &&
+                    error.number() != base::error_number::kPathAccess)
+                    throw;
+                miss(place.sourcePath, error.what());
+            }
+        }
+    }
+
+    void saveDumps()
+    {
+        FileSaver saver({true, m_startNs}, m_serial);
+        for (PlannedDump& dump : m_dumps) {
+            tellFile(dump.group);
+            if (m_cancelled)
+                return;
+            const auto archive = openArchiveFolder(dump.archivePath);
+            Saved saved = saver.saveContent(*archive, dump.header, platform::asBytes(dump.content),
+                                            dump.fileName);
+            m_report.bytesRead += saved.bytesRead;
+            m_report.bytesStored += saved.bytesStored;
+            m_committer.add({dump.archivePath, std::move(saved.temporaryName),
+                             std::move(saved.finalName), std::move(dump.oldFiles)});
+            settingsSaved(dump.group);
+            m_link.onProgress(m_unit);
+        }
+    }
+
+    // Under m_mutex while workers run.
+    void settingsSaved(const std::string& group)
+    {
+        auto& saved = m_report.settingsSaved;
+        if (std::find(saved.begin(), saved.end(), group) == saved.end())
+            saved.push_back(group);
+    }
+
+    // What is saved comes to its names even when the run was stopped or failed on the way. The
+    // marker goes only after a run that left nothing behind.
+    void finish()
+    {
+        try {
+            m_committer.finish();
+            if (m_report.copiesWritten > 0 || !m_report.settingsSaved.empty())
+                m_files.copyFile(m_place.profilePath,
+                                 m_place.root + std::string(platform::leafOf(m_place.profilePath)));
+            if (!m_place.profile.compress && m_report.copiesWritten > 0)
+                archive::writeReviewFiles(m_files, m_appPath, m_place.root);
+            if (!m_failure)
+                m_files.removeFile(m_place.root + std::string(kRunMarker));
+        } catch (const RuntimeError&) {
+            if (!m_failure)
+                m_failure = std::current_exception();
+        }
+    }
+
+    void conclude()
+    {
+        std::sort(m_report.missed.begin(), m_report.missed.end(),
+                  [](const Gap& a, const Gap& b) { return a.path < b.path; });
+        const bool nothing = m_report.copiesWritten == 0 && m_report.settingsSaved.empty() &&
+                             m_report.missed.empty();
+        if (m_cancelled)
+            m_report.outcome = Outcome::Cancelled;
+        else if (nothing)
+            m_report.outcome = Outcome::NothingToDo;
+        else
+            m_report.outcome =
+                m_report.missed.empty() ? Outcome::Complete : Outcome::CompleteWithGaps;
+        if (m_report.outcome == Outcome::NothingToDo)
+            return;
+        const std::string profileName(platform::leafOf(m_place.profilePath));
+        const base::DateTime when = m_machine.clock.toLocal(m_startNs);
+        logs::BackupRecord record;
+        record.profileName = profileName;
+        record.type = m_report.full ? logs::kFullRun : logs::kIncrementalRun;
+        record.date = base::isoDateTime(when);
+        record.fileCount = m_report.copiesWritten;
+        record.skippedCount = m_report.missed.size();
+        if (!m_report.missed.empty()) {
+            std::vector<logs::MissedFile> missed;
+            for (const Gap& gap : m_report.missed)
+                missed.push_back({gap.path, gap.reason});
+            m_report.missedReportPath =
+                logs::writeMissedReport(m_files, m_appPath, m_place.stem, when, missed);
+            record.missedReportPath = m_report.missedReportPath;
+        }
+        logs::appendBackupRecord(m_files, m_appPath, record);
+    }
+
+    const platform::Machine& m_machine;
+    platform::FileSystem& m_files;
+    std::string m_appPath;
+    const RunLink& m_link;
+    BackupReport& m_report; // counts and gaps are guarded by m_mutex while workers run
+    std::int64_t m_startNs;
+    ArchivePlace m_place;
+    Selection m_selection;
+    ScanPlan m_plan;
+    std::vector<PlannedDump> m_dumps;
+    std::atomic<std::uint64_t> m_serial;
+    Committer m_committer{m_files};
+    EventQueue m_events;
+    double m_unit = 0;
+    bool m_cancelled = false; // the caller's thread alone
+    std::atomic<bool> m_stop = false;
+    std::mutex m_mutex;
+    std::exception_ptr m_failure; // guarded by m_mutex while workers run
+};
+
+} // namespace
+
+void runBackup(const platform::Machine& machine, const std::string& appPath,
+               std::string_view profileFolder, std::string_view profileFileName,
+               const RunLink& link, BackupReport& report)
+{
+    BackupRun(machine, appPath, profileFolder, profileFileName, link, report).run();
+}
+
+} // namespace vardelin::engine

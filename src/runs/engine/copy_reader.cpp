@@ -1,0 +1,207 @@
+#include "runs/engine/copy_reader.h"
+
+#include "base/runtime_error.h"
+#include "runs/engine/copy_writer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <xxhash.h>
+#include <zstd.h>
+
+namespace vardelin::engine {
+namespace {
+
+using base::RuntimeError;
+
+// Most archive files fit in whole, so that one read brings header and body.
+constexpr std::size_t kBlockBytes = 256 * 1024;
+
+[[noreturn]] void damaged(const std::string& reason)
+{
+    throw RuntimeError(base::error_number::kDeviceIo, {}, reason);
+}
+
+} // namespace
+
+struct CopyReader::State {
+    State() : decoder(ZSTD_createDCtx()), hash(XXH3_createState())
+    {
+        in.resize(kBlockBytes);
+        out.resize(ZSTD_DStreamOutSize() * 4);
+    }
+    ~State()
+    {
+        ZSTD_freeDCtx(decoder);
+        XXH3_freeState(hash);
+    }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    // Reads the file's beginning into `in` and gives the header; `headBytes` and `have` tell how
+    // much of `in` the header takes and how much there is.
+    CopyHeader begin(platform::File& file)
+    {
+        have = fill(file, 0, std::span(in).first(kBlockBytes));
+        headBytes = headerFrameBytes(std::span(in).first(have));
+        if (headBytes > have) {
+            in.resize(std::max(in.size(), headBytes));
+            have += fill(file, have, std::span(in).subspan(have, headBytes - have));
+            if (have < headBytes)
+                damaged("its header is cut off");
+        }
+        return decodeHeader(std::span(in).first(headBytes));
+    }
+
+    // Reads until the buffer is full or the file ends.
+    static std::size_t fill(platform::File& file, std::uint64_t offset, std::span<std::byte> buffer)
+    {
+        std::size_t got = 0;
+        while (got < buffer.size()) {
+            const std::size_t n = file.readAt(offset + got, buffer.subspan(got));
+            if (n == 0)
+                break;
+            got += n;
+        }
+        return got;
+    }
+
+    // What stands behind the body: the index of a large file, nothing else.
+    void checkEnd(platform::File& file, const CopyHeader& header) const
+    {
+        if (header.frameCount > 1) {
+            if (readIndex(file, header, headBytes).size() != header.frameCount)
+                damaged("its index does not match its header");
+        } else if (file.info().sizeBytes != headBytes + header.bodyBytes) {
+            damaged("it is longer than its header says");
+        }
+    }
+
+    archive::ContentHash digest() const
+    {
+        XXH128_canonical_t canonical;
+        XXH128_canonicalFromHash(&canonical, XXH3_128bits_digest(hash));
+        archive::ContentHash result{};
+        std::memcpy(result.data(), canonical.digest, result.size());
+        return result;
+    }
+
+    ZSTD_DCtx* decoder;
+    XXH3_state_t* hash;
+    std::vector<std::byte> in;
+    std::vector<std::byte> out;
+    std::size_t headBytes = 0;
+    std::size_t have = 0;
+};
+
+CopyReader::CopyReader() : m_state(std::make_unique<State>()) {}
+
+CopyReader::~CopyReader() = default;
+
+CopyHeader CopyReader::readHeader(platform::File& file)
+{
+    return m_state->begin(file);
+}
+
+CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
+{
+    State& state = *m_state;
+    const CopyHeader header = state.begin(file);
+    if (header.frameCount == 0) {
+        state.checkEnd(file, header);
+        return header;
+    }
+
+    ZSTD_DCtx_reset(state.decoder, ZSTD_reset_session_only);
+    XXH3_128bits_reset(state.hash);
+    std::uint64_t fileOffset = state.have; // where the next block comes from
+    std::uint64_t bodyLeft = header.bodyBytes;
+    std::uint64_t produced = 0;
+    std::size_t from = state.headBytes;
+    bool frameOpen = true;
+    while (bodyLeft > 0) {
+        if (from == state.have) {
+            const std::size_t want =
+                static_cast<std::size_t>(std::min<std::uint64_t>(bodyLeft, kBlockBytes));
+            state.have = State::fill(file, fileOffset, std::span(state.in).first(want));
+            if (state.have == 0)
+                damaged("its content is cut off");
+            fileOffset += state.have;
+            from = 0;
+        }
+        const std::size_t take =
+            static_cast<std::size_t>(std::min<std::uint64_t>(state.have - from, bodyLeft));
+        ZSTD_inBuffer input{state.in.data() + from, take, 0};
+        while (input.pos < input.size) {
+            ZSTD_outBuffer output{state.out.data(), state.out.size(), 0};
+            const std::size_t code = ZSTD_decompressStream(state.decoder, &output, &input);
+            if (ZSTD_isError(code) != 0)
+                damaged(std::string("its content is damaged: ") + ZSTD_getErrorName(code));
+            frameOpen = code != 0;
+            produced += output.pos;
+            // Checked before it goes on: a damaged length must not fill the disk.
+            if (produced > header.sizeBytes)
+                damaged("its content is longer than its header says");
+            const auto piece = std::span<const std::byte>(state.out).first(output.pos);
+            XXH3_128bits_update(state.hash, piece.data(), piece.size());
+            if (!piece.empty())
+                sink(piece);
+        }
+        // What the decoder still holds back of a full output buffer.
+        for (;;) {
+            ZSTD_outBuffer output{state.out.data(), state.out.size(), 0};
+            ZSTD_inBuffer none{state.in.data(), 0, 0};
+            if (!frameOpen)
+                break;
+            const std::size_t code = ZSTD_decompressStream(state.decoder, &output, &none);
+            if (ZSTD_isError(code) != 0)
+                damaged(std::string("its content is damaged: ") + ZSTD_getErrorName(code));
+            frameOpen = code != 0;
+            if (output.pos == 0)
+                break;
+            produced += output.pos;
+            if (produced > header.sizeBytes)
+                damaged("its content is longer than its header says");
+            const auto piece = std::span<const std::byte>(state.out).first(output.pos);
+            XXH3_128bits_update(state.hash, piece.data(), piece.size());
+            sink(piece);
+        }
+        from += take;
+        bodyLeft -= take;
+    }
+    if (frameOpen)
+        damaged("its content is cut off");
+    if (produced != header.sizeBytes)
+        damaged("its content is shorter than its header says");
+    if (state.digest() != header.contentHash)
+        damaged("its content does not match its checksum");
+    state.checkEnd(file, header);
+    return header;
+}
+
+void CopyReader::readPlain(platform::File& file, const archive::CopyMeta& expected,
+                           const ContentSink& sink)
+{
+    State& state = *m_state;
+    XXH3_128bits_reset(state.hash);
+    std::uint64_t at = 0;
+    for (;;) {
+        const std::size_t n = State::fill(file, at, std::span(state.in).first(kBlockBytes));
+        if (n == 0)
+            break;
+        at += n;
+        if (at > expected.sizeBytes)
+            damaged("its content is longer than its name says");
+        const auto piece = std::span<const std::byte>(state.in).first(n);
+        XXH3_128bits_update(state.hash, piece.data(), piece.size());
+        sink(piece);
+    }
+    if (at != expected.sizeBytes)
+        damaged("its content is shorter than its name says");
+    if (!expected.contentHash || state.digest() != *expected.contentHash)
+        damaged("its content does not match its checksum");
+}
+
+} // namespace vardelin::engine

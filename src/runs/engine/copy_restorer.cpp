@@ -1,0 +1,210 @@
+#include "runs/engine/copy_restorer.h"
+
+#include "archive/entry_names.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+
+namespace vardelin::engine {
+namespace {
+
+using base::RuntimeError;
+using platform::OpenMode;
+
+constexpr std::size_t kZeroBlock = 4096; // what a hole is made of on the usual file systems
+
+template <typename Step>
+auto onTarget(Step&& step)
+{
+    try {
+        return step();
+    } catch (const RuntimeError& error) {
+        throw TargetError(error.number(), error.subject(), error.reason());
+    }
+}
+
+bool isZero(std::span<const std::byte> bytes)
+{
+    static constexpr std::array<std::byte, kZeroBlock> kZeros{};
+    return bytes.size() <= kZeros.size() &&
+           std::memcmp(bytes.data(), kZeros.data(), bytes.size()) == 0;
+}
+
+// A temporary file in the target folder that goes away unless it is kept.
+class TargetFile {
+public:
+    TargetFile(platform::Folder& folder, std::string name)
+        : m_folder(folder), m_name(std::move(name)),
+          m_file(onTarget([&] { return folder.open(m_name, OpenMode::CreateNew); }))
+    {
+    }
+    ~TargetFile()
+    {
+        if (m_kept)
+            return;
+        m_file.reset();
+        base::PendingError ignored; // the error that led here is the one to tell
+        ignored.attempt([&] { m_folder.removeFile(m_name); });
+    }
+    TargetFile(const TargetFile&) = delete;
+    TargetFile& operator=(const TargetFile&) = delete;
+
+    void append(std::span<const std::byte> piece, bool sparse)
+    {
+        onTarget([&] {
+            if (sparse)
+                appendSparse(piece);
+            else
+                m_file->write(piece);
+        });
+        m_size += piece.size();
+    }
+
+    // Puts on what the header says, as far as this user and this disk can.
+    void dress(const CopyHeader& header, std::int64_t modifiedNs)
+    {
+        onTarget([&] {
+            if (header.sparse)
+                m_file->resize(m_size);
+            // Owner first, since changing it takes the set-user bits away; times last, since every
+            // other change may move them. Only a privileged user can give a file away.
+            base::PendingError ignored;
+            ignored.attempt([&] { m_file->setOwner(header.ownerId, header.groupId); });
+            m_file->setMode(header.mode);
+            for (const auto& attribute : header.attributes)
+                ignored.attempt([&] { m_file->setExtendedAttribute(attribute); });
+            m_file->setTimes(header.accessedNs, modifiedNs);
+            m_file->close();
+        });
+    }
+
+    std::string keep()
+    {
+        m_kept = true;
+        return m_name;
+    }
+
+private:
+    // Blocks of zeros are left out, so that a sparse file stays one.
+    void appendSparse(std::span<const std::byte> piece)
+    {
+        std::uint64_t at = m_size;
+        while (!piece.empty()) {
+            const std::size_t n = std::min(piece.size(), kZeroBlock - at % kZeroBlock);
+            const auto block = piece.first(n);
+            if (!isZero(block))
+                m_file->writeAt(at, block);
+            at += n;
+            piece = piece.subspan(n);
+        }
+    }
+
+    platform::Folder& m_folder;
+    std::string m_name;
+    std::unique_ptr<platform::File> m_file;
+    std::uint64_t m_size = 0;
+    bool m_kept = false;
+};
+
+} // namespace
+
+CopyRestorer::CopyRestorer(std::atomic<std::uint64_t>& serial) : m_serial(serial) {}
+
+// Reads a copy and makes sure that it is the one that its place and name say.
+CopyHeader CopyRestorer::readInto(platform::File& file, const std::string& sourceFolder,
+                                  const ChosenCopy& copy, const ContentSink& sink)
+{
+    CopyHeader header = m_reader.read(file, sink);
+    const bool isSettings = header.kind == ItemKind::Settings;
+    if (!isSettings && header.path != sourceFolder + std::string(copy.sourceName()))
+        throw RuntimeError(base::error_number::kDeviceIo, {},
+                           "it holds another file: " + header.path);
+    if (header.version != static_cast<std::uint32_t>(copy.version))
+        throw RuntimeError(base::error_number::kDeviceIo, {}, "it holds another version");
+    return header;
+}
+
+RestoredCopy CopyRestorer::restore(platform::Folder& archive, const std::string& sourceFolder,
+                                   const ChosenCopy& copy, platform::Folder& target)
+{
+    const auto file = archive.open(copy.fileName, OpenMode::Read);
+    if (copy.form == archive::Form::Stored) {
+        const platform::FileInfo info = file->info();
+        CopyHeader header;
+        header.sparse = info.allocatedBytes < info.sizeBytes;
+        header.mode = info.mode;
+        header.ownerId = info.ownerId;
+        header.groupId = info.groupId;
+        header.accessedNs = info.accessedNs;
+        header.attributes = file->extendedAttributes();
+        TargetFile result(target, archive::temporaryName(m_serial++));
+        const archive::CopyMeta expected{copy.sizeBytes, copy.modifiedNs, 0, copy.contentHash};
+        m_reader.readPlain(*file, expected, [&](std::span<const std::byte> piece) {
+            result.append(piece, header.sparse);
+        });
+        result.dress(header, copy.modifiedNs);
+        return {result.keep(), copy.sizeBytes, {}};
+    }
+    const CopyHeader first = m_reader.readHeader(*file);
+    if (first.kind == ItemKind::SymbolicLink) {
+        readInto(*file, sourceFolder, copy, [](std::span<const std::byte>) {});
+        return restoreLink(first, copy, target);
+    }
+    if (first.kind != ItemKind::File)
+        throw RuntimeError(base::error_number::kDeviceIo, {}, "it holds no file");
+    TargetFile result(target, archive::temporaryName(m_serial++));
+    const CopyHeader header =
+        readInto(*file, sourceFolder, copy,
+                 [&](std::span<const std::byte> piece) { result.append(piece, first.sparse); });
+    result.dress(header, copy.modifiedNs != 0 ? copy.modifiedNs : header.modifiedNs);
+    return {result.keep(), header.sizeBytes, header.linkGroup};
+}
+
+RestoredCopy CopyRestorer::restoreLink(const CopyHeader& header, const ChosenCopy& copy,
+                                       platform::Folder& target)
+{
+    const std::string name = archive::temporaryName(m_serial++);
+    onTarget([&] { target.createLink(name, header.linkTarget); });
+    // A link's own owner, times and attributes are a nicety that not every disk has.
+    base::PendingError ignored;
+    ignored.attempt([&] { target.setOwner(name, header.ownerId, header.groupId); });
+    for (const auto& attribute : header.attributes)
+        ignored.attempt([&] { target.setExtendedAttribute(name, attribute); });
+    ignored.attempt([&] {
+        target.setTimes(name, header.accessedNs,
+                        copy.modifiedNs != 0 ? copy.modifiedNs : header.modifiedNs);
+    });
+    return {name, 0, {}};
+}
+
+std::uint64_t CopyRestorer::check(platform::Folder& archive, const std::string& sourceFolder,
+                                  const ChosenCopy& copy)
+{
+    const auto file = archive.open(copy.fileName, OpenMode::Read);
+    const auto nowhere = [](std::span<const std::byte>) {};
+    if (copy.form == archive::Form::Stored) {
+        m_reader.readPlain(*file, {copy.sizeBytes, copy.modifiedNs, 0, copy.contentHash}, nowhere);
+        return copy.sizeBytes;
+    }
+    return readInto(*file, sourceFolder, copy, nowhere).sizeBytes;
+}
+
+void joinHardLinks(platform::FileSystem& files, const HardLinks& links)
+{
+    for (const auto& [group, names] : links) {
+        const auto first = files.openFolder(names.front().first);
+        for (std::size_t i = 1; i < names.size(); ++i) {
+            const auto folder = files.openFolder(names[i].first);
+            const std::string temporary = "~" + group.substr(group.find(':') + 1) + ".link";
+            // A disk without hard links keeps the files apart, each with its whole content.
+            base::PendingError ignored;
+            if (ignored.attempt(
+                    [&] { folder->createHardLink(temporary, *first, names.front().second); }))
+                folder->rename(temporary, names[i].second);
+        }
+    }
+}
+
+} // namespace vardelin::engine

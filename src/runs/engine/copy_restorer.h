@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/runtime_error.h"
+#include "platform/file_system.h"
+#include "runs/engine/copy_reader.h"
+#include "runs/engine/restore_plan.h"
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace vardelin::engine {
+
+// Writing the target failed, as against reading the archive.
+class TargetError : public base::RuntimeError {
+public:
+    using base::RuntimeError::RuntimeError;
+};
+
+// A restored file under its temporary name in the target folder, whole and checked.
+struct RestoredCopy {
+    std::string temporaryName;
+    std::uint64_t bytes = 0;
+    std::string linkGroup; // names that were one file share this; empty for a single one
+};
+
+// The restored names of each group of hard links: folder path and name.
+using HardLinks = std::map<std::string, std::vector<std::pair<std::string, std::string>>>;
+
+// Makes the names of each group one file again.
+void joinHardLinks(platform::FileSystem& files, const HardLinks& links);
+
+// Reads single copies and writes them; one a worker thread.
+class CopyRestorer {
+public:
+    explicit CopyRestorer(std::atomic<std::uint64_t>& serial);
+
+    // Reads one copy into a temporary file of `target`, with mode, times, owner and attributes as
+    // far as rights and disk permit. Raises TargetError for the target's faults, and RuntimeError
+    // with the cause as reason for a damaged or vanished archive file; nothing stays then.
+    RestoredCopy restore(platform::Folder& archive, const std::string& sourceFolder,
+                         const ChosenCopy& copy, platform::Folder& target);
+    // Reads and checks one copy; gives the bytes of its content. Raises as above.
+    std::uint64_t check(platform::Folder& archive, const std::string& sourceFolder,
+                        const ChosenCopy& copy);
+
+private:
+    RestoredCopy restoreLink(const CopyHeader& header, const ChosenCopy& copy,
+                             platform::Folder& target);
+    CopyHeader readInto(platform::File& file, const std::string& sourceFolder,
+                        const ChosenCopy& copy, const ContentSink& sink);
+
+    std::atomic<std::uint64_t>& m_serial;
+    CopyReader m_reader;
+};
+
+} // namespace vardelin::engine

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "base/runtime_error.h"
+#include "platform/file_system.h"
+#include "runs/engine/archive_header.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace vardelin::engine {
+
+// Files up to this size are read whole and packed into one frame.
+inline constexpr std::uint64_t kWholeFileBytes = 4 * 1024 * 1024;
+
+// Reading the source failed, as against writing the archive: the file is missed and the run goes
+// on.
+class SourceError : public base::RuntimeError {
+public:
+    using base::RuntimeError::RuntimeError;
+};
+
+// Runs one step on a source and turns its RuntimeError into a SourceError.
+template <typename Step>
+auto onSource(Step&& step)
+{
+    try {
+        return step();
+    } catch (const base::RuntimeError& error) {
+        throw SourceError(error.number(), error.subject(), error.reason());
+    }
+}
+
+// An earlier copy whose frames may be taken over as they are.
+struct EarlierBody {
+    platform::File& file;
+    std::uint64_t bodyOffset = 0;
+    std::vector<BodyFrame> frames;
+};
+
+// Called every 4 MiB inside a file; gives false to stop it.
+using Progress = std::function<bool()>;
+
+// Packs copies, one after the other; keeps its compressor and buffers, a few of kLargestFrame, from
+// one to the next. For one thread.
+class CopyWriter {
+public:
+    explicit CopyWriter(int compressionLevel);
+    ~CopyWriter();
+    CopyWriter(const CopyWriter&) = delete;
+    CopyWriter& operator=(const CopyWriter&) = delete;
+
+    // The bytes of the whole archive file of a content that is in memory; fills in the header's
+    // size, checksum and body. Valid until the next call.
+    std::span<const std::byte> packWhole(CopyHeader& header, std::span<const std::byte> content);
+
+    // The bytes of an archive file without a body: links and folder records.
+    std::span<const std::byte> packEmpty(const CopyHeader& header);
+
+    // Reads `source` to its end and writes the whole archive file to `target`, an empty file; fills
+    // in the header's size, checksum and body. Holes stay cheap. False where `progress` stopped it.
+    bool packLarge(CopyHeader& header, platform::File& source, platform::File& target,
+                   const EarlierBody* earlier, const Progress& progress);
+
+    // Reads `source` to its end and writes it as it is, holes included; fills in size and checksum.
+    bool copyPlain(CopyHeader& header, platform::File& source, platform::File& target,
+                   const Progress& progress);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+// The frames of an archive file that is open for reading; empty where it has no index. Raises 57
+// for a damaged header or index.
+std::vector<BodyFrame> readIndex(platform::File& file, const CopyHeader& header,
+                                 std::uint64_t bodyOffset);
+
+} // namespace vardelin::engine

@@ -1,0 +1,66 @@
+#include "runs/engine/event_queue.h"
+
+#include <chrono>
+#include <utility>
+
+namespace vardelin::engine {
+namespace {
+
+constexpr std::chrono::milliseconds kLook{2};
+
+} // namespace
+
+void EventQueue::fileBegins(std::string path)
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [&] { return m_files.size() < kMostWaiting; });
+    m_files.push_back(std::move(path));
+}
+
+void EventQueue::advance(double units)
+{
+    const std::lock_guard lock(m_mutex);
+    m_units += units;
+}
+
+void EventQueue::workerEnds()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_ended;
+    }
+    m_changed.notify_all();
+}
+
+void EventQueue::pump(std::size_t workers, const std::function<void(const std::string&)>& onFile,
+                      const std::function<void(double)>& onProgress)
+{
+    std::vector<std::string> files;
+    for (;;) {
+        double units = 0;
+        bool ended = false;
+        {
+            std::unique_lock lock(m_mutex);
+            m_changed.wait_for(lock, kLook, [&] { return m_ended == workers; });
+            files.swap(m_files);
+            std::swap(units, m_units);
+            ended = m_ended == workers;
+        }
+        m_changed.notify_all();
+        for (const std::string& file : files)
+            onFile(file);
+        files.clear();
+        if (units > 0)
+            onProgress(units);
+        if (ended)
+            return;
+    }
+}
+
+void EventQueue::drain(std::size_t workers)
+{
+    pump(
+        workers, [](const std::string&) {}, [](double) {});
+}
+
+} // namespace vardelin::engine

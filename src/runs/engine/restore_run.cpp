@@ -1,0 +1,399 @@
+#include "runs/engine/restore_run.h"
+
+#include "base/runtime_error.h"
+#include "base/text.h"
+#include "logs/run_records.h"
+#include "platform/registry_text.h"
+#include "runs/engine/archive_place.h"
+#include "runs/engine/committer.h"
+#include "runs/engine/copy_restorer.h"
+#include "runs/engine/event_queue.h"
+#include "runs/engine/folder_rights.h"
+#include "runs/engine/restore_plan.h"
+#include "runs/engine/settings_groups.h"
+#include "runs/engine/target_folders.h"
+#include "runs/engine/workers.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace vardelin::engine {
+namespace {
+
+using base::RuntimeError;
+using platform::Folder;
+
+constexpr double kWholeRestore = 100; // the increments of a restore add up to this
+constexpr std::size_t kBatchCopies = 64;
+constexpr std::uint64_t kBatchBytes = 8 * 1024 * 1024;
+
+struct Batch {
+    std::size_t folder = 0;
+    std::size_t first = 0;
+    std::size_t count = 0;
+};
+
+std::vector<Batch> batchesOf(const RestorePlan& plan)
+{
+    std::vector<Batch> batches;
+    for (std::size_t f = 0; f < plan.folders.size(); ++f) {
+        const auto& copies = plan.folders[f].copies;
+        std::uint64_t bytes = 0;
+        for (std::size_t i = 0; i < copies.size(); ++i) {
+            const bool joins = i > 0 && batches.back().count < kBatchCopies &&
+                               bytes + copies[i].sizeBytes <= kBatchBytes;
+            if (joins) {
+                ++batches.back().count;
+                bytes += copies[i].sizeBytes;
+            } else {
+                batches.push_back({f, i, 1});
+                bytes = copies[i].sizeBytes;
+            }
+        }
+        // A folder that was asked for is made even when nothing is in it.
+        if (copies.empty() && plan.folders[f].whole)
+            batches.push_back({f, 0, 0});
+    }
+    return batches;
+}
+
+class RestoreRun {
+public:
+    RestoreRun(const platform::Machine& machine, const std::string& appPath,
+               const RestoreRequest& request, const RunLink& link, RestoreReport& report,
+               RestoreFlags& flags)
+        : m_machine(machine), m_files(machine.fileSystem), m_appPath(appPath), m_request(request),
+          m_link(link), m_report(report), m_flags(flags), m_startNs(machine.clock.nowNs()),
+          m_place(openPlace(machine, request.profileFolder + request.profileFileName)),
+          m_serial(static_cast<std::uint64_t>(m_startNs))
+    {
+    }
+
+    void run(const base::TextCollection& entries)
+    {
+        std::optional<base::Date> asOf;
+        if (m_request.date != "NULL") {
+            asOf = base::parseDate(m_request.date);
+            if (!asOf)
+                throw RuntimeError(base::error_number::kInvalidCall, m_request.date,
+                                   "not a date in the form D/M/YYYY");
+        }
+        const auto lock = lockArchive();
+        RestorePlan plan = planRestore(m_machine, m_place, entries, asOf);
+        m_report.lost = std::move(plan.lost);
+        m_report.notMatched = std::move(plan.notMatched);
+        m_flags.dateNotMatched = asOf && plan.anyFileEntry && !plan.anyMatched;
+
+        std::vector<RestorePlan> settings;
+        std::uint64_t steps = plan.copies;
+        for (const std::string& group : plan.settingsGroups) {
+            settings.push_back(planSettingsGroup(m_machine, m_place, group));
+            steps += settings.back().copies;
+        }
+        m_unit = steps == 0 ? 0 : kWholeRestore / static_cast<double>(steps);
+        if (steps == 0)
+            m_link.onProgress(kWholeRestore);
+
+        restoreFiles(plan, m_request.location);
+        for (std::size_t i = 0; i < settings.size() && !m_cancelled; ++i)
+            restoreGroup(plan.settingsGroups[i], settings[i]);
+        conclude(entries);
+    }
+
+private:
+    std::unique_ptr<platform::FolderLock> lockArchive()
+    {
+        // Without an archive every entry is lost, and that is told by the flag.
+        return m_files.folderExists(m_place.root) ? m_files.lockFolder(m_place.root) : nullptr;
+    }
+
+    void restoreFiles(RestorePlan& plan, const std::string& location)
+    {
+        TargetFolders targets(m_files, location, m_place.profile.sources);
+        Committer committer(m_files);
+        HardLinks links;
+        const auto batches = batchesOf(plan);
+        std::atomic<std::size_t> next = 0;
+        const std::size_t count = workerCount(batches.size());
+        {
+            EventQueue events;
+            Workers workers(m_stop);
+            workers.start(count, events, [&] {
+                try {
+                    CopyRestorer restorer(m_serial);
+                    for (;;) {
+                        const std::size_t index = next++;
+                        if (index >= batches.size() || m_stop)
+                            return;
+                        restoreBatch(plan.folders[batches[index].folder], batches[index], restorer,
+                                     targets, committer, links, events);
+                    }
+                } catch (...) {
+                    const std::lock_guard lock(m_mutex);
+                    if (!m_failure)
+                        m_failure = std::current_exception();
+                    m_stop = true;
+                }
+            });
+            events.pump(
+                count, [](const std::string&) {},
+                [&](double units) {
+                    m_link.onProgress(units);
+                    if (m_link.cancelled()) {
+                        m_cancelled = true;
+                        m_stop = true;
+                    }
+                });
+        }
+        m_stop = false;
+        committer.finish();
+        joinHardLinks(m_files, links);
+        applyFolderRights(m_files, m_place.root, targets);
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+    }
+
+    void restoreBatch(const ChosenFolder& place, const Batch& batch, CopyRestorer& restorer,
+                      TargetFolders& targets, Committer& committer, HardLinks& links,
+                      EventQueue& events)
+    {
+        std::unique_ptr<Folder> archive;
+        std::unique_ptr<Folder> target;
+        try {
+            target = targets.open(place.sourcePath);
+        } catch (const RuntimeError& error) {
+            failAll(place, batch, error);
+            events.advance(m_unit * static_cast<double>(batch.count));
+            return;
+        }
+        try {
+            archive = m_files.openFolder(place.archivePath);
+        } catch (const RuntimeError& error) {
+            for (std::size_t i = batch.first; i < batch.first + batch.count; ++i)
+                lose(place, place.copies[i], error.what());
+            events.advance(m_unit * static_cast<double>(batch.count));
+            return;
+        }
+        const std::string targetPath = targets.pathOf(place.sourcePath);
+        for (std::size_t i = batch.first; i < batch.first + batch.count && !m_stop; ++i) {
+            const ChosenCopy& copy = place.copies[i];
+            try {
+                RestoredCopy done = restorer.restore(*archive, place.sourcePath, copy, *target);
+                {
+                    const std::lock_guard lock(m_mutex);
+                    ++m_report.filesRestored;
+                    m_report.bytesRestored += done.bytes;
+                    if (!done.linkGroup.empty())
+                        links[done.linkGroup].push_back(
+                            {targetPath, std::string(copy.sourceName())});
+                }
+                committer.add({targetPath,
+                               std::move(done.temporaryName),
+                               std::string(copy.sourceName()),
+                               {}});
+            } catch (const TargetError& error) {
+                if (error.number() == base::error_number::kDiskFull)
+                    throw;
+                fail(place.sourcePath + std::string(copy.sourceName()), error);
+            } catch (const RuntimeError& error) {
+                lose(place, copy, error.reason().empty() ? error.what() : error.reason());
+            }
+            events.advance(m_unit);
+        }
+    }
+
+    void failAll(const ChosenFolder& place, const Batch& batch, const RuntimeError& error)
+    {
+        if (batch.count == 0)
+            fail(place.sourcePath, error);
+        for (std::size_t i = batch.first; i < batch.first + batch.count; ++i)
+            fail(place.sourcePath + std::string(place.copies[i].sourceName()), error);
+    }
+
+    void fail(std::string path, const RuntimeError& error)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_firstFailed)
+            m_firstFailed = RuntimeError(error.number(), path, error.reason());
+        m_report.failed.push_back({std::move(path), error.reason().empty()
+                                                        ? std::string(error.description())
+                                                        : error.reason()});
+    }
+
+    void lose(const ChosenFolder& place, const ChosenCopy& copy, std::string reason)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_report.lost.push_back(
+            {place.sourcePath + std::string(copy.sourceName()), std::move(reason)});
+    }
+
+    void restoreGroup(const std::string& group, RestorePlan& settings)
+    {
+        if (settings.copies == 0) {
+            m_report.lost.push_back({group, "the archive holds no such settings"});
+            return;
+        }
+        const std::size_t lostBefore = m_report.lost.size();
+        const std::uint64_t filesBefore = m_report.filesRestored;
+        // What lies right in the group's folder is a text to import; the rest are files.
+        if (settings.folders.front().sourcePath.empty()) {
+            for (const ChosenCopy& copy : settings.folders.front().copies)
+                importText(group, settings.folders.front(), copy);
+            settings.folders.erase(settings.folders.begin());
+        }
+        restoreFiles(settings, {});
+        m_report.filesRestored = filesBefore; // the log counts files, and settings are none
+        if (m_report.lost.size() == lostBefore)
+            m_report.settingsRestored.push_back(group);
+    }
+
+    void importText(const std::string& group, const ChosenFolder& place, const ChosenCopy& copy)
+    {
+        try {
+            const auto folder = m_files.openFolder(place.archivePath);
+            const auto file = folder->open(copy.fileName, platform::OpenMode::Read);
+            std::string text;
+            CopyReader reader;
+            reader.read(*file, [&](std::span<const std::byte> piece) {
+                text.append(reinterpret_cast<const char*>(piece.data()), piece.size());
+            });
+            platform::applyRegistryChanges(m_machine.registry, platform::parseRegistryText(text));
+        } catch (const RuntimeError& error) {
+            m_report.lost.push_back({group, error.what()});
+        }
+        m_link.onProgress(m_unit);
+    }
+
+    void conclude(const base::TextCollection& entries)
+    {
+        m_flags.backupFilesLost = !m_report.lost.empty();
+        m_flags.passwordMismatch = !m_report.mismatched.empty();
+        const bool gaps = !m_report.lost.empty() || !m_report.mismatched.empty() ||
+                          !m_report.failed.empty() || !m_report.notMatched.empty();
+        if (m_cancelled)
+            m_report.outcome = Outcome::Cancelled;
+        else if (entries.empty())
+            m_report.outcome = Outcome::NothingToDo;
+        else
+            m_report.outcome = gaps ? Outcome::CompleteWithGaps : Outcome::Complete;
+
+        logs::RestoreRecord record;
+        record.profileName = m_request.profileFileName;
+        record.destination = m_request.location.empty() ? "Original Location" : m_request.location;
+        record.date = base::isoDateTime(m_machine.clock.toLocal(m_startNs));
+        record.fileCount = m_report.filesRestored;
+        logs::appendRestoreRecord(m_files, m_appPath, record);
+        if (m_firstFailed)
+            throw *m_firstFailed;
+    }
+
+    const platform::Machine& m_machine;
+    platform::FileSystem& m_files;
+    std::string m_appPath;
+    const RestoreRequest& m_request;
+    const RunLink& m_link;
+    RestoreReport& m_report; // guarded by m_mutex while workers run
+    RestoreFlags& m_flags;
+    std::int64_t m_startNs;
+    ArchivePlace m_place;
+    std::atomic<std::uint64_t> m_serial;
+    double m_unit = 0;
+    bool m_cancelled = false;
+    std::atomic<bool> m_stop = false;
+    std::mutex m_mutex;
+    std::exception_ptr m_failure;              // guarded by m_mutex while workers run
+    std::optional<RuntimeError> m_firstFailed; // likewise
+};
+
+} // namespace
+
+void runRestore(const platform::Machine& machine, const std::string& appPath,
+                const RestoreRequest& request, const base::TextCollection& entries,
+                const RunLink& link, RestoreReport& report, RestoreFlags& flags)
+{
+    RestoreRun(machine, appPath, request, link, report, flags).run(entries);
+}
+
+VerifyReport runVerify(const platform::Machine& machine, std::string_view profilePath,
+                       int samplePercent,
+                       const std::function<bool(std::string_view entry)>& progress)
+{
+    const ArchivePlace place = openPlace(machine, profilePath);
+    if (!machine.fileSystem.folderExists(place.root))
+        throw RuntimeError(base::error_number::kPathNotFound, place.root,
+                           "the profile has no archive yet");
+    const auto lock = machine.fileSystem.lockFolder(place.root);
+    VerifyReport report;
+    const RestorePlan plan = planEverything(machine, place, report.foreign);
+    std::vector<Batch> batches;
+    // Spread evenly: each copy adds its share, and is read when a whole one has come together.
+    int share = 0;
+    for (std::size_t f = 0; f < plan.folders.size(); ++f) {
+        for (std::size_t i = 0; i < plan.folders[f].copies.size(); ++i) {
+            share += std::clamp(samplePercent, 1, 100);
+            if (share < 100)
+                continue;
+            share -= 100;
+            if (!batches.empty() && batches.back().folder == f &&
+                batches.back().first + batches.back().count == i &&
+                batches.back().count < kBatchCopies)
+                ++batches.back().count;
+            else
+                batches.push_back({f, i, 1});
+        }
+    }
+    std::atomic<std::size_t> next = 0;
+    std::atomic<bool> stop = false;
+    std::mutex mutex; // guards report
+    const std::size_t count = workerCount(batches.size());
+    {
+        EventQueue events;
+        Workers workers(stop);
+        workers.start(count, events, [&] {
+            std::atomic<std::uint64_t> none = 0;
+            CopyRestorer restorer(none);
+            for (std::size_t index = next++; index < batches.size() && !stop; index = next++) {
+                const Batch& batch = batches[index];
+                const ChosenFolder& folder = plan.folders[batch.folder];
+                for (std::size_t i = batch.first; i < batch.first + batch.count && !stop; ++i) {
+                    const ChosenCopy& copy = folder.copies[i];
+                    std::string path = folder.archivePath + copy.fileName;
+                    events.fileBegins(path);
+                    std::string damage;
+                    std::uint64_t bytes = 0;
+                    try {
+                        const auto archive = machine.fileSystem.openFolder(folder.archivePath);
+                        bytes = restorer.check(*archive, folder.sourcePath, copy);
+                    } catch (const RuntimeError& error) {
+                        damage = error.reason().empty() ? error.what() : error.reason();
+                    }
+                    const std::lock_guard guard(mutex);
+                    ++report.copiesChecked;
+                    report.bytesChecked += bytes;
+                    if (!damage.empty())
+                        report.damaged.push_back({std::move(path), std::move(damage)});
+                }
+            }
+        });
+        events.pump(
+            count,
+            [&](const std::string& path) {
+                if (!progress(path)) {
+                    report.cancelled = true;
+                    stop = true;
+                }
+            },
+            [](double) {});
+    }
+    std::sort(report.damaged.begin(), report.damaged.end(),
+              [](const Gap& a, const Gap& b) { return a.path < b.path; });
+    return report;
+}
+
+} // namespace vardelin::engine
