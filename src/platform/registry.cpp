@@ -39,7 +39,8 @@ std::optional<std::string> Registry::stringValue(RegistryRoot root, std::string_
                                                  std::string_view name)
 {
     auto found = value(root, key, name);
-    if (!found || (found->type != RegistryType::String && found->type != RegistryType::ExpandString))
+    if (!found ||
+        (found->type != RegistryType::String && found->type != RegistryType::ExpandString))
         return std::nullopt;
     return std::move(found->data);
 }

@@ -10,19 +10,33 @@
 namespace vardelin::platform {
 
 // Stored by number in the registry file: never renumber.
-enum class RegistryRoot : std::uint8_t { ClassesRoot = 0, CurrentUser = 1, LocalMachine = 2, Users = 3 };
-enum class RegistryType : std::uint8_t { String = 1, ExpandString = 2, Binary = 3, DWord = 4, MultiString = 7 };
+enum class RegistryRoot : std::uint8_t {
+    ClassesRoot = 0,
+    CurrentUser = 1,
+    LocalMachine = 2,
+    Users = 3
+};
+enum class RegistryType : std::uint8_t {
+    String = 1,
+    ExpandString = 2,
+    Binary = 3,
+    DWord = 4,
+    MultiString = 7
+};
 
 struct RegistryValue {
     std::string name; // empty for a key's default value
     RegistryType type = RegistryType::String;
-    std::string data; // a string's bytes without a NUL; a DWord's four bytes, little-endian
+    // A string's bytes without a NUL; a DWord's four bytes, little-endian; of a list of strings
+    // each one with a NUL behind it.
+    std::string data;
     friend bool operator==(const RegistryValue&, const RegistryValue&) = default;
 };
 
 // A store of keys and values, shared with other processes. Key paths use backslashes, with or
 // without one at the end; keys and value names compare without regard to case and keep the case of
-// their first writing. Keys and values list in the order of their first writing.
+// their first writing. Keys and values list in the order of their first writing. The empty path is
+// the root itself: it always exists, may hold values, and is never deleted (5).
 //
 // Reading what is not there is an empty result and no error. A store that cannot be read or written
 // raises 70 (rights) or 57 with the store's path as subject.
@@ -46,7 +60,7 @@ public:
     virtual bool deleteKey(RegistryRoot root, std::string_view key) = 0;
     virtual std::vector<std::string> subKeys(RegistryRoot root, std::string_view key) = 0;
     virtual std::vector<RegistryValue> values(RegistryRoot root, std::string_view key) = 0;
-    // Runs the changes as one: all of them stay, or, when one raises, none. Does not nest.
+    // Runs the changes as one: all of them stay, or, when one raises, none. Does not nest (5).
     virtual void transaction(const std::function<void()>& changes) = 0;
 
     // The text of a string value; none where it is missing or no string.
