@@ -1,5 +1,7 @@
 #include "profile/scramble_text.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 
 namespace vardelin::profile {
@@ -37,25 +39,35 @@ std::size_t lineShift(std::size_t length)
     return shift == 0 ? length / 10 : shift;
 }
 
-std::string scrambleLine(std::string_view line)
+std::string shiftedUp(std::string_view reversedLine)
 {
-    const std::size_t shift = lineShift(line.size());
-    std::string result(line.rbegin(), line.rend());
+    const std::size_t shift = lineShift(reversedLine.size());
+    std::string result(reversedLine);
     for (char& c : result)
         c = static_cast<char>(std::min(code(c) + shift, kHighestCode));
     return result;
 }
 
-std::string unscrambleLine(std::string_view line)
+std::string shiftedDown(std::string_view reversedLine)
 {
-    const std::size_t shift = lineShift(line.size());
+    const std::size_t shift = lineShift(reversedLine.size());
     std::string result;
-    result.reserve(line.size());
-    for (auto c = line.rbegin(); c != line.rend(); ++c) {
-        if (code(*c) >= shift)
-            result += static_cast<char>(code(*c) - shift);
+    result.reserve(reversedLine.size());
+    for (const char c : reversedLine) {
+        if (code(c) >= shift)
+            result += static_cast<char>(code(c) - shift);
     }
     return result;
+}
+
+std::string scrambleLine(std::string_view line)
+{
+    return shiftedUp(base::reversed(line));
+}
+
+std::string unscrambleLine(std::string_view line)
+{
+    return shiftedDown(base::reversed(line));
 }
 
 std::string scrambleText(std::string_view plainText)

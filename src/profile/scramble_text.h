@@ -22,6 +22,10 @@ std::size_t lineShift(std::size_t length);
 std::string scrambleLine(std::string_view line);
 std::string unscrambleLine(std::string_view line);
 
+// The second half of either: what is done to a line that was turned around already.
+std::string shiftedUp(std::string_view reversedLine);
+std::string shiftedDown(std::string_view reversedLine);
+
 // Every line of a file. The result ends in CR LF unless it is empty, whether the input does or not.
 std::string scrambleText(std::string_view plainText);
 std::string unscrambleText(std::string_view scrambledText);
