@@ -24,19 +24,17 @@ constexpr std::string_view kModule = "frmVDStorage";
 constexpr std::size_t kTagLength = 3;
 constexpr std::size_t kBlockBytes = 64 * 1024;
 
-char upper(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-// The last place of a mark in capitals, in any case of the text; npos where there is none. Called
-// for each file of an archive, so it copies nothing.
+// The last place of a mark of capital letters, in any case of the text; npos where there is none.
+// Called for each file of an archive, so it copies nothing.
 std::size_t findLastMark(std::string_view text, std::string_view mark)
 {
-    for (std::size_t at = text.size(); at-- > 0;) {
-        if (upper(text[at]) == mark.front() && text.size() - at >= mark.size() &&
-            std::equal(mark.begin(), mark.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
-                       [](char m, char c) { return m == upper(c); }))
+    // Without bit 5 the two cases of a letter are one, and no other byte becomes a letter.
+    const auto sameLetter = [](char m, char c) { return m == static_cast<char>(c & ~0x20); };
+    if (text.size() < mark.size())
+        return std::string_view::npos;
+    for (std::size_t at = text.size() - mark.size() + 1; at-- > 0;) {
+        if (sameLetter(mark.front(), text[at]) &&
+            std::equal(mark.begin(), mark.end(), text.substr(at).begin(), sameLetter))
             return at;
     }
     return std::string_view::npos;
