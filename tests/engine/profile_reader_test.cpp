@@ -1,5 +1,9 @@
 #include "runs/engine/profile_reader.h"
 
+#include "base/runtime_error.h"
+#include "platform/memory/memory_file_system.h"
+#include "profile/scramble_text.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -465,6 +469,75 @@ TEST(ProfileReader, KnowsATextThatIsNoProfile)
         const EngineProfile profile = parseProfile(text);
         EXPECT_FALSE(profile.hasSections) << text;
         EXPECT_EQ(profile.problems.back(), "no known section is there") << text;
+    }
+}
+
+struct FileCase {
+    std::string_view what;
+    std::string bytes;
+    std::string_view reason;
+};
+
+TEST(ProfileFile, IsReadFromItsScrambledForm)
+{
+    platform::MemoryFileSystem files;
+    files.replaceFile("C:\\Work.vdp", profile::scrambleText(wholeProfile()));
+
+    const EngineProfile profile = readProfile(files, "C:\\Work.vdp");
+
+    EXPECT_THAT(profile.sources, ElementsAre("C:\\Work\\Letters\\", "C:\\Work\\Notes.txt"));
+    EXPECT_EQ(profile.password, "secret ");
+    EXPECT_THAT(profile.problems, IsEmpty());
+}
+
+TEST(ProfileFile, RaisesFileNotFoundWhereItOrItsFolderIsMissing)
+{
+    platform::MemoryFileSystem files;
+    for (const std::string_view path : {"C:\\None.vdp", "C:\\No folder\\None.vdp"}) {
+        try {
+            readProfile(files, path);
+            FAIL() << path;
+        } catch (const base::RuntimeError& error) {
+            EXPECT_EQ(error.number(), 53);
+            EXPECT_EQ(error.subject(), path);
+        }
+    }
+}
+
+TEST(ProfileFile, SaysWhyAFileIsNoProfile)
+{
+    const FileCase cases[] = {
+        {"empty", "", "not a profile: the file is empty"},
+        {"another file", "hello\r\nworld\r\n", "not a profile: no section can be read from it"},
+        {"left plain", wholeProfile(),
+         "the profile is plain text: its saving was broken off, save it again"},
+        {"scrambled twice", profile::scrambleText(profile::scrambleText(wholeProfile())),
+         "not a profile: no section can be read from it"},
+    };
+    for (const FileCase& one : cases) {
+        platform::MemoryFileSystem files;
+        files.replaceFile("C:\\Work.vdp", one.bytes);
+        try {
+            readProfile(files, "C:\\Work.vdp");
+            FAIL() << one.what;
+        } catch (const base::RuntimeError& error) {
+            EXPECT_EQ(error.number(), 5) << one.what;
+            EXPECT_EQ(error.subject(), "C:\\Work.vdp") << one.what;
+            EXPECT_EQ(error.reason(), one.reason) << one.what;
+        }
+    }
+}
+
+TEST(ProfileFile, PassesOnWhatTheDiskRaises)
+{
+    platform::MemoryFileSystem files;
+    files.replaceFile("C:\\Work.vdp", profile::scrambleText(wholeProfile()));
+    files.setUnreadable("C:\\Work.vdp");
+    try {
+        readProfile(files, "C:\\Work.vdp");
+        FAIL();
+    } catch (const base::RuntimeError& error) {
+        EXPECT_EQ(error.number(), 70);
     }
 }
 
