@@ -46,6 +46,12 @@ std::string headerRecord(std::int32_t capacity, std::int32_t next)
            std::string(kLineEnd);
 }
 
+bool isMissing(const base::PendingError& error)
+{
+    return error.number == error_number::kFileNotFound ||
+           error.number == error_number::kPathNotFound;
+}
+
 void writeRecord(platform::File& file, std::int32_t record, std::string_view bytes)
 {
     // Record 1 is the header's own; no entry may land there or before it.
@@ -119,14 +125,21 @@ bool RunTrace::WriteRunTrace(std::string_view procedure, std::string_view kind, 
                             m_appName);
         return false;
     };
-    // The same-entry path makes no file: a log that was removed meanwhile comes back with the next
-    // new name.
-    if (isNew && !m_fileSystem.fileExists(m_fullName) && !create())
-        return false;
-
     base::PendingError failure;
     std::unique_ptr<platform::File> file;
-    if (!failure.attempt([&] { file = m_fileSystem.open(m_fullName, platform::OpenMode::Update); }))
+    const auto open = [&] {
+        return failure.attempt(
+            [&] { file = m_fileSystem.open(m_fullName, platform::OpenMode::Update); });
+    };
+    // The same-entry path makes no file: a log that was removed meanwhile comes back with the next
+    // new name.
+    if (!open() && isNew && isMissing(failure)) {
+        if (!create())
+            return false;
+        failure.clear();
+        open();
+    }
+    if (!file)
         showFailure("Error in opening the log file: " + m_fullName);
 
     Header header;
