@@ -14,6 +14,8 @@ using base::RuntimeError;
 namespace error_number = base::error_number;
 
 constexpr std::size_t kCopyBlockBytes = 256 * 1024;
+// Leaves room for the marks of a temporary name within the 255 bytes that a name may have.
+constexpr std::size_t kTemporaryStemBytes = 240;
 
 std::string_view withoutEnd(std::string_view path)
 {
@@ -28,6 +30,19 @@ std::string_view parentOrThrow(std::string_view path)
     if (parent.empty())
         throw RuntimeError(error_number::kPathNotFound, std::string(path), "no folder");
     return parent;
+}
+
+// Goes down by open folders, so that a link that appears meanwhile is removed and never entered.
+void removeContents(Folder& folder)
+{
+    for (const FolderEntry& entry : folder.list()) {
+        if (entry.kind == FileKind::Folder) {
+            removeContents(*folder.openFolder(entry.name));
+            folder.removeFolder(entry.name);
+        } else {
+            folder.removeFile(entry.name);
+        }
+    }
 }
 
 } // namespace
@@ -137,14 +152,15 @@ void FileSystem::removeFolder(std::string_view path)
 
 void FileSystem::removeTree(std::string_view path)
 {
-    const auto folder = openFolder(path);
-    for (const FolderEntry& entry : folder->list()) {
-        if (entry.kind == FileKind::Folder)
-            removeTree(joinPath(path, entry.name));
-        else
-            folder->removeFile(entry.name);
+    const auto parent = openFolder(parentOrThrow(path));
+    const std::string_view leaf = leafOf(path);
+    const auto info = parent->find(leaf);
+    if (info && info->kind == FileKind::SymbolicLink) {
+        parent->removeFile(leaf);
+        return;
     }
-    removeFolder(path);
+    removeContents(*parent->openFolder(leaf));
+    parent->removeFolder(leaf);
 }
 
 void FileSystem::rename(std::string_view from, std::string_view to)
@@ -157,6 +173,11 @@ void FileSystem::rename(std::string_view from, std::string_view to)
 void FileSystem::copyFile(std::string_view from, std::string_view to)
 {
     const auto source = open(from, OpenMode::Read);
+    const FileInfo original = source->info();
+    const auto present = find(to);
+    if (present && present->device == original.device && present->inode == original.inode)
+        throw RuntimeError(error_number::kPermissionDenied, std::string(to),
+                           "a file cannot be copied onto itself");
     const auto target = open(to, OpenMode::CreateOrTruncate);
     std::vector<std::byte> block(kCopyBlockBytes);
     while (const std::size_t n = source->read(block))
@@ -168,9 +189,8 @@ void FileSystem::copyFile(std::string_view from, std::string_view to)
 std::vector<FolderEntryInfo> FileSystem::list(std::string_view path)
 {
     auto entries = openFolder(path)->listWithInfo();
-    std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
-        return base::naturalLess(a.name, b.name);
-    });
+    std::sort(entries.begin(), entries.end(),
+              [](const auto& a, const auto& b) { return base::naturalLess(a.name, b.name); });
     return entries;
 }
 
@@ -188,7 +208,7 @@ void FileSystem::replaceFile(std::string_view path, std::string_view bytes)
 {
     const auto folder = openFolder(parentOrThrow(path));
     const std::string leaf(leafOf(path));
-    const std::string temporary = "~" + leaf + ".tmp";
+    const std::string temporary = "~" + leaf.substr(0, kTemporaryStemBytes) + ".tmp";
     try {
         const auto file = folder->open(temporary, OpenMode::CreateOrTruncate);
         file->write(asBytes(bytes));
