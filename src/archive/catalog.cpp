@@ -22,7 +22,7 @@ constexpr std::string_view kFullMark = "FULL";
 constexpr std::string_view kVersionMark = "VER";
 constexpr std::string_view kModule = "frmVDStorage";
 constexpr std::size_t kTagLength = 3;
-constexpr std::size_t kBlockBytes = 64 * 1024;
+constexpr std::size_t kBlockBytes = 65'536;
 
 // The last place of a mark of capital letters, in any case of the text; npos where there is none.
 // Called for each file of an archive, so it copies nothing.

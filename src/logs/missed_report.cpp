@@ -31,7 +31,7 @@ std::string writeMissedReport(platform::FileSystem& fileSystem, std::string_view
 {
     const std::string folder = platform::joinPath(appPath, "Log\\Missed");
     fileSystem.createFolders(folder);
-    const std::string path = freePath(fileSystem, folder, stem, when);
+    std::string path = freePath(fileSystem, folder, stem, when);
     std::string text;
     for (const MissedFile& file : missed) {
         appendPlain(text, file.path);

@@ -51,7 +51,7 @@ std::string readAt(platform::File& file, std::uint64_t offset, std::size_t count
 // What a log file ends in behind its last line end; empty for a file that is whole or missing.
 std::string unfinishedLine(FileSystem& fileSystem, const std::string& path)
 {
-    constexpr std::uint64_t kTailBytes = 64 * 1024; // longer than any line that we write
+    constexpr std::uint64_t kTailBytes = 65'536; // longer than any line that we write
     if (!fileSystem.fileExists(path))
         return {};
     const auto file = fileSystem.open(path, OpenMode::Read);

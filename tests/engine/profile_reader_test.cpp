@@ -1,6 +1,7 @@
 #include "runs/engine/profile_reader.h"
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 #include "platform/memory/memory_file_system.h"
 #include "profile/scramble_text.h"
 
@@ -390,6 +391,47 @@ TEST(ProfileReader, SurvivesACutAtEveryByteAndTellsOfIt)
         }
     }
     EXPECT_THAT(parseProfile(std::string_view(whole).substr(0, lastLine)).problems, IsEmpty());
+}
+
+// What a profile says, one text for each of its parts.
+std::vector<std::string> partsOf(const EngineProfile& profile)
+{
+    const auto joined = [](const std::vector<std::string>& list) { return base::join(list, "|"); };
+    const ProfileSchedule schedule = profile.schedule.value_or(ProfileSchedule{});
+    const ConfirmSize size = profile.confirmSize.value_or(ConfirmSize{});
+    return {joined(profile.sources),
+            joined(profile.excludedExtensions),
+            joined(profile.includedExtensions),
+            joined(profile.otherData),
+            joined(profile.includeNames),
+            joined(profile.excludeNames),
+            profile.destination,
+            joined({profile.password, profile.hintQuestion, profile.hintAnswer}),
+            profile.warnPercent.value_or(""),
+            profile.idleMinutes.value_or(""),
+            size.size + size.unit,
+            profile.queueCount.value_or(""),
+            joined({schedule.startDate, schedule.startTime, std::to_string(schedule.pattern),
+                    schedule.recur, schedule.timeAt, schedule.days}),
+            std::to_string(profile.retentionOption) + "?" + std::to_string(profile.retentionCount),
+            std::to_string(static_cast<int>(profile.compress)),
+            std::to_string(static_cast<int>(profile.encrypt))};
+}
+
+TEST(ProfileReader, LosesAtMostOnePartToADamagedLine)
+{
+    const std::string whole = wholeProfile();
+    const std::vector<std::string> expected = partsOf(parseProfile(whole));
+    const std::vector<std::string_view> all = base::split(whole, "\r\n");
+    for (std::size_t damaged = 0; damaged + 1 < all.size(); ++damaged) {
+        std::vector<std::string_view> copy(all.begin(), all.end() - 1);
+        copy[damaged] = "\x02\xFF#";
+        const std::vector<std::string> parts = partsOf(parseProfile(lines(copy)));
+        std::size_t lost = 0;
+        for (std::size_t i = 0; i < parts.size(); ++i)
+            lost += parts[i] == expected[i] ? 0U : 1U;
+        EXPECT_LE(lost, 1U) << "line " << damaged + 1 << ": " << all[damaged];
+    }
 }
 
 TEST(ProfileReader, TellsOfEachMissingEssential)

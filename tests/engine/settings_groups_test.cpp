@@ -37,6 +37,7 @@ struct Desktop : platform::MemoryMachine {
 std::vector<std::string> pathsOf(const std::vector<SettingsItem>& items)
 {
     std::vector<std::string> paths;
+    paths.reserve(items.size());
     for (const SettingsItem& item : items)
         paths.push_back(item.sourcePath);
     return paths;

@@ -40,6 +40,7 @@ void put(MemoryFileSystem& files, const std::string& path, std::string_view text
 std::vector<std::string> pathsOf(const Queue& queue)
 {
     std::vector<std::string> paths;
+    paths.reserve(queue.files.size());
     for (const QueuedFile& file : queue.files)
         paths.push_back(file.path);
     return paths;
