@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "profile/line_input.h"
+#include "profile/list_file.h"
 #include "profile/profile_format.h"
 #include "state/name_tables.h"
 #include "trace/messages.h"
@@ -14,9 +15,6 @@
 #include <fmt/format.h>
 
 namespace vardelin::profile {
-
-void IsPrProFileExists(ProfileContext& context, bool& found);
-
 namespace {
 
 using base::equalsIgnoringCase;

@@ -3,6 +3,8 @@
 #include "base/runtime_error.h"
 #include "profile/profile_format.h"
 
+#include <utility>
+
 namespace vardelin::profile {
 
 ReplacingFile::ReplacingFile(platform::FileSystem& fileSystem, std::string_view folder,
@@ -17,10 +19,14 @@ ReplacingFile::ReplacingFile(platform::FileSystem& fileSystem, std::string_view 
 
 ReplacingFile::~ReplacingFile()
 {
-    if (!m_file)
-        return;
+    if (m_file)
+        discard();
+}
+
+void ReplacingFile::discard()
+{
     m_file.reset();
-    base::PendingError leftBehind; // the reason for coming here was reported already
+    base::PendingError leftBehind; // the reason for coming here is the one to report
     leftBehind.attempt([this] { m_folder->removeFile(m_temporary); });
 }
 
@@ -31,11 +37,17 @@ void ReplacingFile::print(std::string_view line)
 
 void ReplacingFile::commit()
 {
-    m_file->write(platform::asBytes(m_text));
-    m_file->flush();
-    m_file->close();
-    m_folder->rename(m_temporary, m_name);
-    m_file.reset();
+    std::unique_ptr<platform::File> file = std::move(m_file);
+    try {
+        file->write(platform::asBytes(m_text));
+        file->flush();
+        file->close();
+        m_folder->rename(m_temporary, m_name);
+    } catch (const base::RuntimeError&) {
+        file.reset();
+        discard();
+        throw;
+    }
     m_folder->flush();
 }
 

@@ -23,10 +23,12 @@ public:
 
     // Adds the text and CR LF.
     void print(std::string_view line);
-    // Raises 61 for a full disk and whatever else the device reports.
+    // Once, and last. Raises 61 for a full disk and whatever else the device reports.
     void commit();
 
 private:
+    void discard();
+
     std::unique_ptr<platform::Folder> m_folder;
     std::string m_name;
     std::string m_temporary;

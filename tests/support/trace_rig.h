@@ -62,11 +62,11 @@ inline std::vector<std::string> traceEntries(std::string_view log)
 // The application folder is C:\App, the program Vardelin.
 struct TraceRig {
     platform::MemoryFileSystem disk;
-    platform::CallScript script; // of the calls that reach the disk through `files`
-    platform::ScriptedFileSystem files{disk, script};
+    platform::CallScript traceScript; // of the calls that the trace makes
+    platform::ScriptedFileSystem traceFiles{disk, traceScript};
     platform::MemoryClock clock;
     platform::ScriptedMessageBoxes messageBoxes;
-    vardelin::trace::RunTrace trace{files, clock, messageBoxes, "C:\\App", "Vardelin"};
+    vardelin::trace::RunTrace trace{traceFiles, clock, messageBoxes, "C:\\App", "Vardelin"};
     vardelin::trace::ErrorRecord errors;
     ScriptedErrorDialog dialog;
     vardelin::trace::TraceContext context{trace, errors, dialog};
@@ -90,12 +90,12 @@ struct TraceRig {
     const std::vector<ShownBox>& boxes() const { return messageBoxes.shown; }
     void clearBoxes() { messageBoxes.shown.clear(); }
     void setLocalTime(const base::DateTime& local) { clock.setLocal(local); }
-    void failFileSystemCall(int number)
+    void failTraceCall(int number)
     {
-        script.reset();
-        script.failCall(static_cast<std::size_t>(number), base::error_number::kDeviceIo);
+        traceScript.reset();
+        traceScript.failCall(static_cast<std::size_t>(number), base::error_number::kDeviceIo);
     }
-    void stopFailing() { script.reset(); }
+    void stopFailing() { traceScript.reset(); }
 };
 
 } // namespace vardelin::test

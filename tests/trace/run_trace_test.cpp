@@ -277,7 +277,7 @@ TEST_F(RunTraceTest, AFailingCallIsShownAndRaisesNothing)
         ++failing;
         ASSERT_LT(failing, 100);
         rig.clearBoxes();
-        rig.failFileSystemCall(failing);
+        rig.failTraceCall(failing);
         written = write("A" + std::to_string(failing));
         rig.stopFailing();
         EXPECT_EQ(rig.boxes().empty(), written) << "call " << failing;
