@@ -128,6 +128,24 @@ std::string keptName(std::string_view name)
     return fmt::format("~{}{}.kept", kTemporaryMark, name);
 }
 
+// Unlike FileSystem::find, raises where it cannot tell: a wrong "no" would cost a file.
+bool isThere(FileSystem& fileSystem, std::string_view path)
+{
+    const auto folder = fileSystem.openFolder(platform::parentOf(path));
+    return folder->find(platform::leafOf(path)).has_value();
+}
+
+// A missing folder is told by the steps that follow.
+void finishInterrupted(FileSystem& fileSystem, std::string_view folder, std::string_view name)
+{
+    try {
+        finishInterruptedScramble(fileSystem, folder, name);
+    } catch (const RuntimeError& error) {
+        if (!isNotFound(error.number()))
+            throw;
+    }
+}
+
 class Encryption {
 public:
     Encryption(ProfileContext& context, std::string_view folder, std::string_view name)
@@ -165,8 +183,7 @@ private:
 
 void Encryption::run()
 {
-    PendingError nothingToFinish; // a missing folder is told by the steps below
-    nothingToFinish.attempt([&] { finishInterruptedScramble(m_fileSystem, m_folder, m_name); });
+    finishInterrupted(m_fileSystem, m_folder, m_name);
     const double step = progressStep(m_fileSystem, m_paths.profile, kEncryptShare);
     try {
         writeTemporary(step);
@@ -184,7 +201,7 @@ void Encryption::run()
 
 void Encryption::putBack()
 {
-    if (m_fileSystem.fileExists(m_kept))
+    if (isThere(m_fileSystem, m_kept))
         m_fileSystem.rename(m_kept, m_paths.temporary);
 }
 
@@ -193,7 +210,7 @@ void Encryption::writeTemporary(double step)
     m_status = Status::OpenProfile;
     const auto profile = m_fileSystem.open(m_paths.profile, OpenMode::Read);
     m_status = Status::Other;
-    if (m_fileSystem.fileExists(m_paths.temporary))
+    if (isThere(m_fileSystem, m_paths.temporary))
         m_fileSystem.rename(m_paths.temporary, m_kept);
     m_status = Status::OpenTemporary;
     const auto temporary = m_fileSystem.open(m_paths.temporary, OpenMode::CreateOrTruncate);
@@ -254,7 +271,7 @@ public:
     }
 
 private:
-    void finishInterrupted();
+    void finishInterruptedSaves();
     std::string unscrambled(std::string_view text, double step);
 
     ProfileContext& m_context;
@@ -275,7 +292,7 @@ void Decryption::run()
                     m_name.substr(0, m_name.size() - kExtensionLength));
     if (m_context.frame.BL_Command_Line_Profile)
         m_context.files.fileNumber1.reset();
-    finishInterrupted();
+    finishInterruptedSaves();
     const double step = progressStep(m_fileSystem, m_paths.profile, kDecryptShare);
     PendingError undeleted; // opening for output empties what is still there
     if (m_fileSystem.find(m_paths.temporary))
@@ -295,15 +312,12 @@ void Decryption::run()
 
 // The profile may be one that a crash left under its temporary name, or one that was moved aside
 // for a temporary name: `UA.vdp` may wait for the end of `A.vdp`.
-void Decryption::finishInterrupted()
+void Decryption::finishInterruptedSaves()
 {
     const std::string_view folder = textUpToLastBackslash(m_paths.profile);
-    PendingError nothingToFinish;
-    nothingToFinish.attempt([&] {
-        finishInterruptedScramble(m_fileSystem, folder, m_name);
-        if (m_name.starts_with(kTemporaryMark))
-            finishInterruptedScramble(m_fileSystem, folder, std::string_view(m_name).substr(1));
-    });
+    finishInterrupted(m_fileSystem, folder, m_name);
+    if (m_name.starts_with(kTemporaryMark))
+        finishInterrupted(m_fileSystem, folder, std::string_view(m_name).substr(1));
 }
 
 std::string Decryption::unscrambled(std::string_view text, double step)
@@ -373,13 +387,13 @@ void finishInterruptedScramble(platform::FileSystem& fileSystem, std::string_vie
                                std::string_view name)
 {
     const std::string kept = platform::joinPath(folder, keptName(name));
-    if (!fileSystem.fileExists(kept))
+    if (!isThere(fileSystem, kept))
         return;
     const std::string profile = platform::joinPath(folder, name);
     const std::string temporary =
         platform::joinPath(folder, fmt::format("{}{}", kTemporaryMark, name));
     // Only a whole temporary file outlives its profile.
-    if (!fileSystem.fileExists(profile) && fileSystem.fileExists(temporary))
+    if (!isThere(fileSystem, profile) && isThere(fileSystem, temporary))
         fileSystem.rename(temporary, profile);
     fileSystem.rename(kept, temporary);
 }
