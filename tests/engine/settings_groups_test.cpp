@@ -57,7 +57,7 @@ TEST(SettingsGroups, AreTheFilesAtAndBelowTheirPaths)
     Desktop desktop;
     desktop.put("C:\\home\\ann\\Desktop\\b10.txt", "12345");
     desktop.put("C:\\home\\ann\\Desktop\\B9.txt");
-    desktop.put("C:\\home\\ann\\Desktop\\sub\\c.txt");
+    desktop.put("C:\\home\\ann\\Desktop\\b9a\\c.txt"); // between the two by name
     desktop.put("C:\\home\\ann\\.config\\look.conf");
     desktop.put("C:\\home\\ann\\not asked for.txt");
     desktop.files.createFolders("C:\\home\\ann\\Desktop\\empty");
@@ -67,12 +67,12 @@ TEST(SettingsGroups, AreTheFilesAtAndBelowTheirPaths)
     const auto items = collectSettings(desktop.ports, "desktop settings");
 
     EXPECT_THAT(pathsOf(items),
-                ElementsAre("C:\\home\\ann\\Desktop\\B9.txt", "C:\\home\\ann\\Desktop\\b10.txt",
-                            "C:\\home\\ann\\Desktop\\sub\\c.txt",
+                ElementsAre("C:\\home\\ann\\Desktop\\b9a\\c.txt", "C:\\home\\ann\\Desktop\\B9.txt",
+                            "C:\\home\\ann\\Desktop\\b10.txt",
                             "C:\\home\\ann\\.config\\look.conf"));
-    EXPECT_EQ(items[1].relativeName, "C\\home\\ann\\Desktop\\b10.txt");
-    EXPECT_EQ(items[1].info.sizeBytes, 5U);
-    EXPECT_THAT(items[1].bytes, IsEmpty());
+    EXPECT_EQ(items[2].relativeName, "C\\home\\ann\\Desktop\\b10.txt");
+    EXPECT_EQ(items[2].info.sizeBytes, 5U);
+    EXPECT_THAT(items[2].bytes, IsEmpty());
 }
 
 TEST(SettingsGroups, TakeEachFileOnceWherePathsOverlap)

@@ -80,8 +80,12 @@ private:
         } catch (const RuntimeError& error) {
             return miss(path, error);
         }
-        for (const platform::FolderEntryInfo& entry : entries)
-            takeEntry(platform::joinPath(path, entry.name), entry.info);
+        for (const bool wantFolders : {true, false}) {
+            for (const platform::FolderEntryInfo& entry : entries) {
+                if ((entry.info.kind == FileKind::Folder) == wantFolders)
+                    takeEntry(platform::joinPath(path, entry.name), entry.info);
+            }
+        }
     }
 
     static std::string relativeNameOf(std::string_view path)

@@ -31,11 +31,14 @@ struct SettingsItem {
     platform::FileInfo info; // of a file itself, links not followed; unset for a text
 };
 
-// The items of a group, in the folder's order, each once; none for an unknown group or where this
-// machine has nothing of it. Files and symbolic links at and below the group's paths; links are not
-// followed, and folders, sockets, pipes and devices are left out. The registry gives one text with
-// all that belongs to the person and the programs, and nothing of the drives. What cannot be listed
-// goes to `missed`, where one is given, and the rest is collected all the same.
+// The items of a group, each once; none for an unknown group or where this machine has nothing of
+// it. Files and symbolic links at and below the group's paths; links are not followed, and folders,
+// sockets, pipes and devices are left out. In each folder first what is in its subfolders, then its
+// own files, both in the folder's order, so that the files of one folder stand together.
+//
+// The registry gives one text with all that belongs to the person and the programs, and nothing of
+// the drives; its errors are raised. What cannot be listed goes to `missed`, where one is given,
+// and the rest is collected all the same.
 std::vector<SettingsItem> collectSettings(const platform::Machine& machine, std::string_view group,
                                           std::vector<Gap>* missed = nullptr);
 
