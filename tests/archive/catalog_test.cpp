@@ -3,6 +3,7 @@
 #include "archive/entry_names.h"
 #include "base/runtime_error.h"
 #include "platform/memory/counting_message_loop.h"
+#include "platform/memory/scripted_file_system.h"
 #include "support/trace_rig.h"
 
 #include <gmock/gmock.h>
@@ -163,8 +164,10 @@ TEST(CatalogLine, IsTakenApart)
 // An archive on the rig's disk, and the procedures' context.
 struct Review {
     TraceRig rig;
+    platform::CallScript script; // of the calls that reach the disk through `files`
+    platform::ScriptedFileSystem files{rig.disk, script};
     platform::CountingMessageLoop loop;
-    ReviewContext context{rig.files, loop, rig.context, "C:\\App"};
+    ReviewContext context{files, loop, rig.context, "C:\\App"};
     ReviewState state;
 
     Review()
@@ -247,8 +250,7 @@ TEST(ArchiveWalk, ReportsAFolderThatCannotBeListedAndGoesOnWithTheOthers)
     Review review;
     review.put("C\\a\\x_FULL_1");
     review.put("C\\b\\y_FULL_1");
-    review.rig.script.failCallsNamed("fs.openFolder", base::error_number::kPermissionDenied,
-                                     "C\\a");
+    review.script.failCallsNamed("fs.openFolder", base::error_number::kPermissionDenied, "C\\a");
 
     review.walk();
 
@@ -330,7 +332,7 @@ TEST(ReviewFiles, OfAWholeArchivePassOverNamesThatCannotBeCut)
     review.put("C\\z_Ver3_1");
     review.put("OtherData\\IE Favorites\\C\\q_FULL_1");
 
-    writeReviewFiles(review.rig.files, "C:\\App", kRoot);
+    writeReviewFiles(review.files, "C:\\App", kRoot);
 
     EXPECT_EQ(review.listing(), "Files And Folders\\C:\\b\\a_000\r\n"
                                 "Files And Folders\\C:\\z_003\r\n");
@@ -341,9 +343,9 @@ TEST(ReviewFiles, OfAWholeArchiveRaiseWhatTheDiskRaises)
 {
     Review review;
     review.put("C\\a_FULL_1");
-    review.rig.script.failCallsNamed("file.write", base::error_number::kDiskFull);
+    review.script.failCallsNamed("file.write", base::error_number::kDiskFull);
 
-    EXPECT_THROW(writeReviewFiles(review.rig.files, "C:\\App", kRoot), RuntimeError);
+    EXPECT_THROW(writeReviewFiles(review.files, "C:\\App", kRoot), RuntimeError);
 }
 
 // Many lines: the blocks in which they are written must not show.
