@@ -1,6 +1,6 @@
 #include "profile/line_input.h"
 
-#include "profile/profile_format.h"
+#include "base/text.h"
 
 #include <utility>
 
@@ -29,6 +29,14 @@ std::size_t LineInput::highestIndex() const
          at = m_text.find(format::kLineEnd, at + format::kLineEnd.size()))
         ++count;
     return count;
+}
+
+std::optional<std::string_view> sectionLine(LineInput& lines, const format::Section& section)
+{
+    const auto line = lines.next();
+    if (!line || base::equalsIgnoringCase(*line, section.closing))
+        return std::nullopt;
+    return line;
 }
 
 } // namespace vardelin::profile

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "profile/profile_format.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -23,5 +25,9 @@ private:
     std::string m_text;
     std::size_t m_at = 0;
 };
+
+// The next line of a section of a profile: none at its closing line, in any case, and none at the
+// end of the text, so that a section that never closes comes to an end.
+std::optional<std::string_view> sectionLine(LineInput& lines, const format::Section& section);
 
 } // namespace vardelin::profile

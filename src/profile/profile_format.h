@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/text.h"
+
 #include <string_view>
 
 // The plain text of a profile file. Lines end in CR LF, and that alone: a lone CR or LF is data.
@@ -53,5 +55,11 @@ inline constexpr std::string_view kCompress = "Compress = ";       // True or Fa
 inline constexpr std::string_view kEncrypt = "Encrypt=";           // True or False
 
 inline constexpr std::string_view kLineEnd = "\r\n";
+
+// What a line has behind its first `=`, blanks included; nothing where it has none.
+inline std::string_view valueOf(std::string_view line)
+{
+    return base::afterFirst(line, "=");
+}
 
 } // namespace vardelin::profile::format

@@ -4,10 +4,10 @@
 #include "profile/line_input.h"
 #include "profile/list_file.h"
 #include "profile/profile_format.h"
-#include "state/name_tables.h"
+#include "profile/schedule_section.h"
+#include "profile/source_lines.h"
 #include "trace/messages.h"
 
-#include <array>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,30 +19,16 @@ namespace {
 
 using base::equalsIgnoringCase;
 using base::RuntimeError;
-using base::TextCollection;
 using base::trim;
+using format::valueOf;
 namespace error_number = base::error_number;
 
 constexpr std::string_view kModule = "modPrSaveOpen";
 constexpr int kFailedVersionText = 40099;
 constexpr double kReadingShare = 50; // of the bar
-constexpr int kDriveImage = 1;
 
 // What stopped the reading; each has its message.
 enum class Status : int { None = 0, NotOpened = 40096, NoMoreLines = 40097, NotAdded = 40098 };
-
-// Which of the eight retention options each pattern leaves to choose from.
-constexpr std::array<std::array<bool, 8>, 4> kRetentionOfPattern{{
-    {true, true, false, false, false, true, true, true},   // daily
-    {false, false, true, false, false, true, true, false}, // weekly
-    {false, false, false, true, false, true, true, false}, // monthly
-    {false, false, false, false, true, true, true, false}, // yearly
-}};
-
-std::string_view behindEquals(std::string_view line)
-{
-    return base::afterFirst(line, "=");
-}
 
 // `UDefault.txt` is the plain copy of `Default.vdp`.
 std::string profileNameOf(std::string_view copyName)
@@ -50,11 +36,6 @@ std::string profileNameOf(std::string_view copyName)
     const std::size_t length = copyName.size();
     const std::string_view stem = length > 4 ? copyName.substr(1, length - 4) : std::string_view{};
     return fmt::format("{}vdp", stem);
-}
-
-void addRow(state::ListBox& list, std::string_view text)
-{
-    list.addItem(text).selected = true;
 }
 
 class Reader {
@@ -73,12 +54,9 @@ private:
     void markPrimary();
     void readFile();
     bool readSection(std::string_view line);
-    std::optional<std::string_view> sectionLine(const format::Section& section);
     void yield() { m_context.machine.messageLoop.yield(); }
 
     void readSources();
-    void addSource(std::string_view line);
-    void addDrive(const std::string& key, std::string_view text);
     void readExcluded();
     void readIncluded();
     void readOtherData();
@@ -89,13 +67,6 @@ private:
     void readSystemIdle();
     void readConfirmBackup();
     void readThresholdQueue();
-    void readSchedule();
-    bool readStart();
-    void readPattern(int pattern);
-    void readEvery(state::TextBox& interval, state::TimePicker& time);
-    void readWeekDays();
-    void readRows(state::ListBox& list);
-    void readTime(state::TimePicker& picker);
     void readLastLines(std::string_view retention);
     void readFlag(state::CheckBox& box, bool& flag);
 
@@ -192,20 +163,10 @@ bool Reader::readSection(std::string_view line)
     else if (opens(format::kThresholdQueue))
         readThresholdQueue();
     else if (opens(format::kScheduling))
-        readSchedule();
+        readScheduleSection(m_lines, m_editor, m_scalars.dStartDate);
     else
         return false;
     return true;
-}
-
-// The next line of a section: none at its closing line and none at the end of the file, so that a
-// section that never closes does not loop.
-std::optional<std::string_view> Reader::sectionLine(const format::Section& section)
-{
-    const auto line = m_lines.next();
-    if (!line || equalsIgnoringCase(*line, section.closing))
-        return std::nullopt;
-    return line;
 }
 
 void Reader::readSources()
@@ -220,7 +181,9 @@ void Reader::readSources()
         if (equalsIgnoringCase(*line, format::kSourceFiles.closing))
             break;
         m_scalars.bSourceLineRead = true;
-        addSource(*line);
+        m_status = Status::NotAdded;
+        addOpenedSource(*line, m_opened.clxnOpenedSources, m_editor.tvwDirectory);
+        m_status = Status::None;
         if (bar.maximum > bar.value + m_step)
             bar.value += m_step;
         yield();
@@ -229,57 +192,9 @@ void Reader::readSources()
         node.checked = true;
 }
 
-// Adds every prefix of the path that is new, and the path itself: `C:\A\f.txt` gives `C:\`, `C:\A\`
-// and `C:\A\f.txt`. A folder line gives `C:\A\*` in place of `C:\A\`, unless an earlier line
-// brought that folder as a prefix.
-void Reader::addSource(std::string_view line)
-{
-    TextCollection& sources = m_opened.clxnOpenedSources;
-    const auto pieces = base::split(line, "\\");
-    std::string prefix;
-    for (std::size_t i = 0; i + 1 < pieces.size(); ++i) {
-        prefix.append(pieces[i]).append("\\");
-        if (sources.contains(prefix))
-            continue;
-        if (pieces[i].find(':') != std::string_view::npos) {
-            sources.add(prefix, prefix);
-            addDrive(prefix, pieces[i]);
-        } else if (prefix == line) {
-            const std::string mark = prefix + "*";
-            sources.tryAdd(mark, mark);
-            return;
-        } else {
-            sources.add(prefix, prefix);
-        }
-    }
-    if (!line.empty() && !sources.contains(line)) {
-        m_status = Status::NotAdded;
-        sources.add(std::string(line), line);
-        m_status = Status::None;
-    }
-}
-
-void Reader::addDrive(const std::string& key, std::string_view text)
-{
-    std::vector<state::TreeNode>& nodes = m_editor.tvwDirectory.nodes;
-    for (const state::TreeNode& node : nodes) {
-        if (node.key == key)
-            return; // the tree takes a key once
-    }
-    const std::size_t root = nodes.size();
-    nodes.push_back({.key = key,
-                     .text = std::string(text),
-                     .image = kDriveImage,
-                     .foreColor = state::kWhollySelectedColor,
-                     .checked = true,
-                     .parent = std::nullopt,
-                     .children = 1});
-    nodes.emplace_back().parent = root; // contents not read yet
-}
-
 void Reader::readExcluded()
 {
-    while (const auto line = sectionLine(format::kExcludedOptions)) {
+    while (const auto line = sectionLine(m_lines, format::kExcludedOptions)) {
         m_opened.clxnOpenedExcluded.tryAdd(std::string(*line), *line);
         yield();
     }
@@ -288,7 +203,7 @@ void Reader::readExcluded()
 void Reader::readIncluded()
 {
     platform::Shell& shell = m_context.machine.shell;
-    while (const auto line = sectionLine(format::kIncludedOptions)) {
+    while (const auto line = sectionLine(m_lines, format::kIncludedOptions)) {
         m_opened.clxnOpenedIncluded.tryAdd(std::string(*line), *line);
         state::ListRow& row = m_editor.lstInclude.addItem(*line);
         row.sub = shell.typeName(*line);
@@ -302,15 +217,15 @@ void Reader::readIncluded()
 void Reader::readOtherData()
 {
     m_editor.lstOtherData.clear();
-    while (const auto line = sectionLine(format::kOtherData)) {
+    while (const auto line = sectionLine(m_lines, format::kOtherData)) {
         m_opened.clxnOpenedOtherData.tryAdd(std::string(*line), *line);
-        addRow(m_editor.lstOtherData, *line);
+        m_editor.lstOtherData.addItem(*line).selected = true;
     }
 }
 
 void Reader::readNames(const format::Section& section, state::TextBox& box)
 {
-    const auto line = sectionLine(section);
+    const auto line = sectionLine(m_lines, section);
     box.text = line.value_or("");
     if (line)
         m_lines.next(); // the closing line, whatever it says
@@ -318,7 +233,7 @@ void Reader::readNames(const format::Section& section, state::TextBox& box)
 
 void Reader::readDestination()
 {
-    while (const auto line = sectionLine(format::kDestinationPath)) {
+    while (const auto line = sectionLine(m_lines, format::kDestinationPath)) {
         const std::string_view trimmed = trim(*line);
         const bool bareDrive = trimmed.size() == 2 && trimmed.back() == ':';
         m_editor.txtDestLoc.text = fmt::format("{}{}", *line, bareDrive ? "\\" : "");
@@ -330,7 +245,7 @@ void Reader::readDestination()
 
 void Reader::readPassword()
 {
-    while (const auto line = sectionLine(format::kPassword)) {
+    while (const auto line = sectionLine(m_lines, format::kPassword)) {
         if (*line == format::kTrue) {
             m_scalars.bOptionsLoaded = true;
             m_editor.chkPassword.value = 1;
@@ -354,13 +269,13 @@ void Reader::readPassword()
 
 void Reader::readFreeSpaceWarn()
 {
-    while (const auto line = sectionLine(format::kFreeSpaceWarn)) {
+    while (const auto line = sectionLine(m_lines, format::kFreeSpaceWarn)) {
         const bool on = *line == format::kTrue;
         if (!on && *line != format::kFalse)
             continue;
         m_scalars.bOptionsLoaded = m_scalars.bOptionsLoaded || on;
         m_editor.chkWarn.value = on ? 1 : 0;
-        m_editor.txtWarn.text = on ? trim(behindEquals(m_lines.next().value_or(""))) : "";
+        m_editor.txtWarn.text = on ? trim(valueOf(m_lines.next().value_or(""))) : "";
         m_editor.chkWarn.enabled = false;
         m_editor.Label9.enabled = false;
         m_editor.txtWarn.enabled = false;
@@ -369,11 +284,11 @@ void Reader::readFreeSpaceWarn()
 
 void Reader::readSystemIdle()
 {
-    while (const auto line = sectionLine(format::kSystemIdle)) {
+    while (const auto line = sectionLine(m_lines, format::kSystemIdle)) {
         if (*line == format::kTrue) {
             m_scalars.bOptionsLoaded = true;
             m_editor.chkIdle.value = 1;
-            m_editor.txtIdleTime.text = behindEquals(m_lines.next().value_or(""));
+            m_editor.txtIdleTime.text = valueOf(m_lines.next().value_or(""));
             m_editor.Frame12.enabled = false;
         } else if (*line == format::kFalse) {
             m_editor.chkIdle.value = 0;
@@ -384,12 +299,12 @@ void Reader::readSystemIdle()
 
 void Reader::readConfirmBackup()
 {
-    while (const auto line = sectionLine(format::kConfirmBackup)) {
+    while (const auto line = sectionLine(m_lines, format::kConfirmBackup)) {
         if (*line == format::kTrue) {
             m_scalars.bOptionsLoaded = true;
             m_editor.chkSizeOfBkp.value = 1;
             // The writer's blank stays with the number; a value too short for a unit has no number.
-            const std::string_view value = behindEquals(m_lines.next().value_or(""));
+            const std::string_view value = valueOf(m_lines.next().value_or(""));
             const std::size_t unitAt = value.size() < 2 ? 0 : value.size() - 2;
             if (value.size() >= 2)
                 m_editor.txtSizeOfBkp.text = value.substr(0, unitAt);
@@ -402,11 +317,11 @@ void Reader::readConfirmBackup()
 
 void Reader::readThresholdQueue()
 {
-    while (const auto line = sectionLine(format::kThresholdQueue)) {
+    while (const auto line = sectionLine(m_lines, format::kThresholdQueue)) {
         if (*line == format::kTrue) {
             m_scalars.bOptionsLoaded = true;
             m_editor.chkQueueThrld.value = 1;
-            m_editor.txtQueueThrld.text = behindEquals(m_lines.next().value_or(""));
+            m_editor.txtQueueThrld.text = valueOf(m_lines.next().value_or(""));
         } else if (*line == format::kFalse) {
             m_editor.chkQueueThrld.value = 0;
             m_editor.txtQueueThrld.text.clear();
@@ -414,88 +329,9 @@ void Reader::readThresholdQueue()
     }
 }
 
-void Reader::readSchedule()
-{
-    m_editor.chkAutoSched.value = 1;
-    while (const auto line = sectionLine(format::kScheduling)) {
-        m_editor.Frame4.enabled = false;
-        // A text that is no date leaves the picker as it is.
-        if (const auto date = base::parseDate(behindEquals(*line)))
-            m_editor.dtpStDate.value = {*date, {}};
-        m_scalars.dStartDate = m_editor.dtpStDate.value.date;
-        readTime(m_editor.dtpStTime);
-
-        const std::string_view pattern = trim(behindEquals(m_lines.next().value_or("")));
-        for (state::OptionButton* const option : m_editor.patternOptions())
-            option->enabled = false;
-        if (pattern.size() == 1 && pattern[0] >= '1' && pattern[0] <= '4')
-            readPattern(pattern[0] - '0');
-    }
-}
-
-void Reader::readPattern(int pattern)
-{
-    state::choose(m_editor.patternOptions(), pattern);
-    const auto& allowed = kRetentionOfPattern.at(static_cast<std::size_t>(pattern) - 1);
-    const auto options = m_editor.retentionOptions();
-    for (std::size_t i = 0; i < options.size(); ++i)
-        options[i]->enabled = allowed[i];
-
-    switch (pattern) {
-    case 1:
-        readEvery(m_editor.txtDailyRecur, m_editor.dtpDaily);
-        break;
-    case 2:
-        readEvery(m_editor.txtWeeklyRecur, m_editor.dtpWeekly);
-        readWeekDays();
-        break;
-    case 3:
-        readEvery(m_editor.txtMonthlyRecur, m_editor.dtpMonthly);
-        readRows(m_editor.lstMonthDate);
-        break;
-    default:
-        readEvery(m_editor.txtYearlyRecur, m_editor.dtpYearly);
-        readRows(m_editor.lstMonth);
-        readRows(m_editor.lstYearDate);
-        break;
-    }
-}
-
-void Reader::readEvery(state::TextBox& interval, state::TimePicker& time)
-{
-    interval.text = behindEquals(m_lines.next().value_or(""));
-    interval.enabled = false;
-    readTime(time);
-    time.enabled = false;
-}
-
-void Reader::readTime(state::TimePicker& picker)
-{
-    if (const auto time = base::parseTime(behindEquals(m_lines.next().value_or(""))))
-        picker.value = {{}, *time};
-}
-
-void Reader::readWeekDays()
-{
-    const std::string_view letters = behindEquals(m_lines.next().value_or(""));
-    m_editor.lstWeekDays.clear();
-    for (std::size_t day = 0; day < state::kDayNames.size() && day < letters.size(); ++day) {
-        if (letters[day] == 'S')
-            addRow(m_editor.lstWeekDays, state::kDayNames.at(day));
-    }
-}
-
-void Reader::readRows(state::ListBox& list)
-{
-    const std::string_view values = behindEquals(m_lines.next().value_or(""));
-    list.clear();
-    for (const std::string_view value : base::split(values, ","))
-        addRow(list, value);
-}
-
 void Reader::readLastLines(std::string_view retention)
 {
-    Versioncheck(m_context, behindEquals(retention));
+    Versioncheck(m_context, valueOf(retention));
     m_scalars.bCompressFiles = false;
     m_scalars.bEncryptFiles = false;
     readFlag(m_editor.chkCompress, m_scalars.bCompressFiles);
@@ -505,7 +341,7 @@ void Reader::readLastLines(std::string_view retention)
 
 void Reader::readFlag(state::CheckBox& box, bool& flag)
 {
-    const std::string value = base::upperAscii(trim(behindEquals(m_lines.next().value_or(""))));
+    const std::string value = base::upperAscii(trim(valueOf(m_lines.next().value_or(""))));
     if (value == "TRUE") {
         box.value = 1;
         flag = true;

@@ -66,7 +66,8 @@ void writeRecord(platform::File& file, std::int32_t record, std::string_view byt
 RunTrace::RunTrace(platform::FileSystem& fileSystem, platform::Clock& clock,
                    platform::MessageBoxes& messageBoxes, std::string appPath, std::string appName)
     : m_fileSystem(fileSystem), m_clock(clock), m_messageBoxes(messageBoxes),
-      m_appName(std::move(appName)), m_fullName(appPath + "\\" + m_appName + "_Log_File.txt")
+      m_appName(std::move(appName)),
+      m_fullName(std::move(appPath) + "\\" + m_appName + "_Log_File.txt")
 {
 }
 
