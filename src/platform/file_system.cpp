@@ -13,7 +13,8 @@ namespace {
 using base::RuntimeError;
 namespace error_number = base::error_number;
 
-constexpr std::size_t kCopyBlockBytes = 256 * 1024;
+constexpr std::size_t kReadBlockBytes = std::size_t{64} * 1024;
+constexpr std::size_t kCopyBlockBytes = std::size_t{256} * 1024;
 // Leaves room for the marks of a temporary name within the 255 bytes that a name may have.
 constexpr std::size_t kTemporaryStemBytes = 240;
 
@@ -198,7 +199,7 @@ std::string FileSystem::readAll(std::string_view path)
 {
     const auto file = open(path, OpenMode::Read);
     std::string text;
-    std::array<std::byte, 64 * 1024> block{};
+    std::array<std::byte, kReadBlockBytes> block{};
     while (const std::size_t n = file->read(block))
         text.append(reinterpret_cast<const char*>(block.data()), n);
     return text;

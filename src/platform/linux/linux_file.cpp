@@ -17,7 +17,7 @@ namespace {
 using base::RuntimeError;
 namespace error_number = base::error_number;
 
-constexpr std::size_t kCopyBlockBytes = 256 * 1024;
+constexpr std::size_t kCopyBlockBytes = std::size_t{256} * 1024;
 constexpr std::uint64_t kKernelCopyBytes = std::uint64_t{1} << 30; // well below the kernel's limit
 
 off_t offsetOf(std::uint64_t value)

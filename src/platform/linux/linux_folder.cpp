@@ -24,7 +24,7 @@ using base::RuntimeError;
 namespace error_number = base::error_number;
 
 // Holds about a thousand entries: one call for most folders.
-constexpr std::size_t kListBlockBytes = 32 * 1024;
+constexpr std::size_t kListBlockBytes = std::size_t{32} * 1024;
 constexpr mode_t kNewFileMode = 0666; // less the person's mask
 constexpr mode_t kNewFolderMode = 0777;
 
@@ -72,7 +72,14 @@ OpenedFolder openFolderAt(int at, const char* diskName, int flags)
     const int fd = retried([&] { return ::openat(at, diskName, O_RDONLY | common); });
     if (fd >= 0 || errno != EACCES)
         return {UniqueFd(fd), true};
-    return {UniqueFd(retried([&] { return ::openat(at, diskName, O_PATH | common); })), false};
+    OpenedFolder passing{UniqueFd(retried([&] { return ::openat(at, diskName, O_PATH | common); })),
+                         false};
+    // That much is granted to everybody; whether the folder may be passed shows at the first look.
+    if (passing.fd && ::faccessat(passing.fd.get(), ".", F_OK, 0) != 0) {
+        passing.fd.reset();
+        errno = EACCES;
+    }
+    return passing;
 }
 
 LinuxFolder::LinuxFolder(UniqueFd fd, bool readable, std::string path)

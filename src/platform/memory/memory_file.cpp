@@ -12,7 +12,7 @@ namespace {
 using base::RuntimeError;
 namespace error_number = base::error_number;
 
-constexpr std::size_t kCopyBlockBytes = 64 * 1024;
+constexpr std::size_t kCopyBlockBytes = std::size_t{64} * 1024;
 
 } // namespace
 
