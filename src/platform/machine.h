@@ -54,6 +54,9 @@ public:
     virtual std::vector<std::string> defaultDocumentLines() = 0;
     // The folders of a person's settings: what exists of them, each without a backslash at the end.
     virtual std::vector<std::string> settingsPaths(std::string_view group) = 0;
+    // To be told when values of kRunKey changed, by a desktop that starts programs by a list of its
+    // own and keeps it like the key's. Does nothing where the key itself is what counts.
+    virtual void runKeyChanged(Registry&) {}
 };
 
 class MachineFacts {

@@ -70,6 +70,10 @@ public:
                    std::string_view text);
 };
 
+// Its values are the programs to start with the computer (under the machine's root) or with the
+// person's session (under the user's), each a command line.
+inline constexpr std::string_view kRunKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
+
 // "HKEY_LOCAL_MACHINE" and its three siblings.
 std::string_view rootName(RegistryRoot root);
 std::optional<RegistryRoot> rootNamed(std::string_view name); // any case

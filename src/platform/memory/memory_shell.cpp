@@ -38,6 +38,11 @@ std::vector<std::string> MemoryShell::settingsPaths(std::string_view group)
     return hit == settings.end() ? std::vector<std::string>{} : hit->second;
 }
 
+void MemoryShell::runKeyChanged(Registry&)
+{
+    script().enter("shell.runKeyChanged", {});
+}
+
 MemoryShell::Type MemoryShell::typeOf(std::string_view extension) const
 {
     const auto hit = types.find(base::lowerAscii(extension));

@@ -27,6 +27,7 @@ public:
     std::vector<std::string> extensions() override;
     std::vector<std::string> defaultDocumentLines() override;
     std::vector<std::string> settingsPaths(std::string_view group) override;
+    void runKeyChanged(Registry& registry) override; // a call of the script and no more
 
 private:
     Type typeOf(std::string_view extension) const;
