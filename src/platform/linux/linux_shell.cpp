@@ -2,6 +2,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/linux/autostart.h"
 #include "platform/linux/native_text.h"
 
 #include <algorithm>
@@ -184,6 +185,12 @@ std::vector<std::string> LinuxShell::settingsPaths(std::string_view group)
     for (const std::string& path : native)
         paths.push_back(m_fileSystem.fromNative(path));
     return paths;
+}
+
+void LinuxShell::runKeyChanged(Registry& registry)
+{
+    if (!m_folders.home.empty())
+        mirrorRunKey(registry, m_fileSystem, m_folders.config);
 }
 
 } // namespace vardelin::platform

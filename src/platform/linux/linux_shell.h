@@ -39,6 +39,8 @@ public:
     // (all mail programs), in any case, sorted within each place. "Registry Settings" has none:
     // they are the registry itself.
     std::vector<std::string> settingsPaths(std::string_view group) override;
+    // Keeps the autostart entries like the key (platform/linux/autostart.h).
+    void runKeyChanged(Registry& registry) override;
 
 private:
     FileSystem& m_fileSystem;

@@ -1,0 +1,148 @@
+#include "platform/linux/autostart.h"
+
+#include "base/runtime_error.h"
+#include "base/text.h"
+#include "platform/linux/native_text.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+namespace vardelin::platform {
+namespace {
+
+namespace fs = std::filesystem;
+namespace number = base::error_number;
+
+constexpr std::string_view kPrefix = "vardelin-";
+constexpr std::string_view kSuffix = ".desktop";
+
+// One line of text in a desktop entry ("Desktop Entry Specification", values of type string).
+std::string lineText(std::string_view text)
+{
+    std::string result = base::replaceAll(text, "\\", "\\\\");
+    result = base::replaceAll(result, "\n", "\\n");
+    return base::replaceAll(result, "\r", "\\r");
+}
+
+// One word of the key Exec: quoted by its own rules, its field codes switched off.
+std::string execWord(std::string_view word)
+{
+    std::string quoted = "\"";
+    for (const char c : word) {
+        if (c == '"' || c == '`' || c == '$' || c == '\\')
+            quoted += '\\';
+        quoted += c;
+        if (c == '%')
+            quoted += '%';
+    }
+    return quoted + '"';
+}
+
+// The program in the machine's own form and what stands behind it; none where no drive reaches it.
+std::optional<std::string> execLine(std::string_view command, const FileSystem& fileSystem)
+{
+    std::string_view program = base::trim(command);
+    std::string_view rest;
+    if (program.starts_with('"')) {
+        rest = base::trim(base::afterFirst(program.substr(1), "\""));
+        program = base::beforeFirst(program.substr(1), "\"");
+    }
+    if (base::endsWithIgnoringCase(program, ".exe"))
+        program.remove_suffix(4);
+    std::string line;
+    try {
+        line = execWord(fileSystem.toNative(program));
+    } catch (const base::RuntimeError&) {
+        return std::nullopt; // a drive that is not there now: nothing could be started
+    }
+    for (std::string_view word : base::split(rest, " ")) {
+        if (!word.empty())
+            line += " " + execWord(word);
+    }
+    return line;
+}
+
+// A value's name as a file's: bytes that a path or a shell would take otherwise become `_`.
+std::string fileName(std::string_view valueName)
+{
+    std::string name(kPrefix);
+    for (const char c : base::lowerAscii(valueName)) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.';
+        name += plain || byte >= 0x80 ? c : '_';
+    }
+    return name + std::string(kSuffix);
+}
+
+[[noreturn]] void raise(const std::error_code& error, const std::string& path)
+{
+    const bool denied = error == std::errc::permission_denied ||
+                        error == std::errc::operation_not_permitted ||
+                        error == std::errc::read_only_file_system;
+    throw base::RuntimeError(denied ? number::kPermissionDenied : number::kDeviceIo, path,
+                             error.message());
+}
+
+// Beside the file first: a session that begins meanwhile reads the old entry or the new one.
+void replace(const std::string& path, const std::string& text)
+{
+    if (readNativeFile(path) == text)
+        return;
+    const std::string temporary = path + ".new";
+    errno = 0;
+    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
+    stream << text;
+    stream.close();
+    std::error_code error;
+    if (!stream)
+        error = std::error_code(errno != 0 ? errno : EIO, std::generic_category());
+    else
+        fs::rename(temporary, path, error);
+    if (error) {
+        std::error_code ignored;
+        fs::remove(temporary, ignored);
+        raise(error, path);
+    }
+}
+
+} // namespace
+
+void mirrorRunKey(Registry& registry, const FileSystem& fileSystem, const std::string& configFolder)
+{
+    std::map<std::string, std::string> wanted; // text by file name
+    for (const RegistryRoot root : {RegistryRoot::LocalMachine, RegistryRoot::CurrentUser}) {
+        for (const RegistryValue& value : registry.values(root, kRunKey)) {
+            if (value.name.empty() || value.type != RegistryType::String)
+                continue;
+            if (const auto exec = execLine(value.data, fileSystem))
+                wanted[fileName(value.name)] =
+                    "[Desktop Entry]\nType=Application\nName=" + lineText(value.name) +
+                    "\nExec=" + lineText(*exec) + "\nTerminal=false\n";
+        }
+    }
+    const std::string folder = configFolder + "/autostart";
+    std::error_code error;
+    if (!wanted.empty()) {
+        fs::create_directories(folder, error);
+        if (error)
+            raise(error, folder);
+    }
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(kPrefix) || !name.ends_with(kSuffix) || wanted.contains(name))
+            continue;
+        std::error_code undeleted;
+        fs::remove(entry.path(), undeleted);
+        if (undeleted)
+            raise(undeleted, entry.path().string());
+    }
+    for (const auto& [name, text] : wanted)
+        replace(folder + "/" + name, text);
+}
+
+} // namespace vardelin::platform
