@@ -17,7 +17,7 @@ constexpr std::string_view kHeaderName = "VDA1";
 constexpr std::string_view kIndexName = "VDI1";
 constexpr std::uint8_t kSparseFlag = 1;
 constexpr std::size_t kChecksumBytes = 8;
-constexpr std::size_t kIndexEntryBytes = 24;
+constexpr std::size_t kIndexEntryBytes = 32;
 
 // Tags of the texts behind the fixed fields; stored by number.
 enum class Tag : std::uint16_t { Path = 1, LinkTarget = 2, LinkGroup = 3, Attribute = 4 };
@@ -176,6 +176,11 @@ archive::ContentHash hashOf(std::span<const std::byte> bytes)
     return hash;
 }
 
+std::uint64_t packedHashOf(std::span<const std::byte> bytes)
+{
+    return XXH3_64bits(bytes.data(), bytes.size());
+}
+
 std::string encodeHeader(const CopyHeader& header)
 {
     std::string frame = openFrame(kHeaderMagic, kHeaderName);
@@ -194,6 +199,7 @@ std::string encodeHeader(const CopyHeader& header)
     putHash(frame, header.contentHash);
     put(frame, header.bodyBytes);
     put(frame, header.frameCount);
+    put(frame, header.bodyHash);
     putField(frame, Tag::Path, header.path);
     if (!header.linkTarget.empty())
         putField(frame, Tag::LinkTarget, header.linkTarget);
@@ -241,6 +247,7 @@ CopyHeader decodeHeader(std::span<const std::byte> frame)
     header.contentHash = cursor.takeHash();
     header.bodyBytes = cursor.take<std::uint64_t>();
     header.frameCount = cursor.take<std::uint32_t>();
+    header.bodyHash = cursor.take<std::uint64_t>();
     while (!cursor.empty())
         takeField(cursor, header);
     return header;
@@ -254,6 +261,7 @@ std::string encodeIndex(const std::vector<BodyFrame>& frames)
         put(frame, body.rawBytes);
         put(frame, body.packedBytes);
         putHash(frame, body.rawHash);
+        put(frame, body.packedHash);
     }
     closeFrame(frame);
     return frame;
@@ -272,6 +280,7 @@ std::vector<BodyFrame> decodeIndex(std::span<const std::byte> frame)
         body.rawBytes = cursor.take<std::uint32_t>();
         body.packedBytes = cursor.take<std::uint32_t>();
         body.rawHash = cursor.takeHash();
+        body.packedHash = cursor.take<std::uint64_t>();
     }
     return frames;
 }

@@ -41,6 +41,8 @@ struct CopyHeader {
     archive::ContentHash contentHash{};
     std::uint64_t bodyBytes = 0; // of all zstd frames together
     std::uint32_t frameCount = 0;
+    // XXH3-64 of the body where it is one frame; with more the index has one for each.
+    std::uint64_t bodyHash = 0;
     std::string path;       // of the source, in drive form
     std::string linkTarget; // of a symbolic link, as it stands
     // Names that are one file share this text; empty for a file with one name.
@@ -64,11 +66,14 @@ struct BodyFrame {
     std::uint32_t rawBytes = 0;
     std::uint32_t packedBytes = 0;
     archive::ContentHash rawHash{};
+    std::uint64_t packedHash = 0; // XXH3-64 of the frame's own bytes
 };
 
 std::string encodeIndex(const std::vector<BodyFrame>& frames);
 std::vector<BodyFrame> decodeIndex(std::span<const std::byte> frame); // raises 57 likewise
 
 archive::ContentHash hashOf(std::span<const std::byte> bytes);
+// Of packed bytes. A decoder passes over some flipped bits; this tells every one.
+std::uint64_t packedHashOf(std::span<const std::byte> bytes);
 
 } // namespace vardelin::engine

@@ -25,11 +25,19 @@ ArchivePlace openPlace(const platform::Machine& machine, std::string_view profil
     if (place.stem.empty() || place.destination.empty())
         throw RuntimeError(base::error_number::kInvalidCall, place.profilePath,
                            "the profile names no destination");
+    place.root = platform::joinPath(platform::joinPath(place.destination, place.stem), "");
+    return place;
+}
+
+void checkWritable(const ArchivePlace& place)
+{
     if (place.profile.encrypt)
         throw RuntimeError(base::error_number::kInvalidCall, place.profilePath,
                            "the profile asks for encryption, which this version cannot write");
-    place.root = platform::joinPath(platform::joinPath(place.destination, place.stem), "");
-    return place;
+    if (!place.profile.saysEncrypt)
+        throw RuntimeError(base::error_number::kInvalidCall, place.profilePath,
+                           "the profile is cut short or damaged: it does not say whether to "
+                           "encrypt, so nothing is written");
 }
 
 void clearTemporaries(platform::FileSystem& files, const std::string& folder)

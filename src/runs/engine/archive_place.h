@@ -17,9 +17,12 @@ struct ArchivePlace {
     std::string root;        // `<destination>\<stem>\`
 };
 
-// Reads the profile. Raises 53 where it is missing, 5 where it is no profile, names no destination
-// or asks for encryption, which this version does not write.
+// Reads the profile. Raises 53 where it is missing, 5 where it is no profile or names no
+// destination.
 ArchivePlace openPlace(const platform::Machine& machine, std::string_view profilePath);
+// Raises 5 where a backup must not be written: the profile asks for encryption, which this version
+// does not have, or is too damaged to tell whether it does.
+void checkWritable(const ArchivePlace& place);
 
 // The file that a run keeps in the archive root while it writes. Where it is found at the start of
 // a run, the one before it died, and what it left is cleared away.

@@ -77,6 +77,7 @@ public:
 
     void run()
     {
+        checkWritable(m_place);
         if (!m_files.folderExists(m_place.destination))
             throw RuntimeError(base::error_number::kPathNotFound, m_place.destination,
                                "the destination does not exist");
@@ -386,10 +387,9 @@ private:
                 m_report.missed.empty() ? Outcome::Complete : Outcome::CompleteWithGaps;
         if (m_report.outcome == Outcome::NothingToDo)
             return;
-        const std::string profileName(platform::leafOf(m_place.profilePath));
         const base::DateTime when = m_machine.clock.toLocal(m_startNs);
         logs::BackupRecord record;
-        record.profileName = profileName;
+        record.profileName = m_place.stem;
         record.type = m_report.full ? logs::kFullRun : logs::kIncrementalRun;
         record.date = base::isoDateTime(when);
         record.fileCount = m_report.copiesWritten;

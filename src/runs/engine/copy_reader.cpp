@@ -27,7 +27,7 @@ constexpr std::size_t kBlockBytes = 256 * 1024;
 } // namespace
 
 struct CopyReader::State {
-    State() : decoder(ZSTD_createDCtx()), hash(XXH3_createState())
+    State() : decoder(ZSTD_createDCtx()), hash(XXH3_createState()), packed(XXH3_createState())
     {
         in.resize(kBlockBytes);
         out.resize(ZSTD_DStreamOutSize() * 4);
@@ -36,6 +36,7 @@ struct CopyReader::State {
     {
         ZSTD_freeDCtx(decoder);
         XXH3_freeState(hash);
+        XXH3_freeState(packed);
     }
     State(const State&) = delete;
     State& operator=(const State&) = delete;
@@ -68,15 +69,30 @@ struct CopyReader::State {
         return got;
     }
 
-    // What stands behind the body: the index of a large file, nothing else.
-    void checkEnd(platform::File& file, const CopyHeader& header) const
+    void endFrame()
     {
-        if (header.frameCount > 1) {
-            if (readIndex(file, header, headBytes).size() != header.frameCount)
-                damaged("its index does not match its header");
-        } else if (file.info().sizeBytes != headBytes + header.bodyBytes) {
-            damaged("it is longer than its header says");
+        packedHashes.push_back(XXH3_64bits_digest(packed));
+        XXH3_64bits_reset(packed);
+    }
+
+    // The frames as they were read against what header and index say of them, and the file's end.
+    void checkFrames(platform::File& file, const CopyHeader& header) const
+    {
+        if (packedHashes.size() != header.frameCount)
+            damaged("its content has another number of frames than its header says");
+        if (header.frameCount <= 1) {
+            if (header.frameCount == 1 && packedHashes.front() != header.bodyHash)
+                damaged("its content does not match its checksum");
+            if (file.info().sizeBytes != headBytes + header.bodyBytes)
+                damaged("it is longer than its header says");
+            return;
         }
+        const auto frames = readIndex(file, header, headBytes);
+        const bool same = std::equal(
+            frames.begin(), frames.end(), packedHashes.begin(), packedHashes.end(),
+            [](const BodyFrame& frame, std::uint64_t read) { return frame.packedHash == read; });
+        if (!same)
+            damaged("its content does not match its index");
     }
 
     archive::ContentHash digest() const
@@ -89,7 +105,9 @@ struct CopyReader::State {
     }
 
     ZSTD_DCtx* decoder;
-    XXH3_state_t* hash;
+    XXH3_state_t* hash;   // of the content
+    XXH3_state_t* packed; // of the frame that is being read
+    std::vector<std::uint64_t> packedHashes;
     std::vector<std::byte> in;
     std::vector<std::byte> out;
     std::size_t headBytes = 0;
@@ -109,13 +127,15 @@ CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
 {
     State& state = *m_state;
     const CopyHeader header = state.begin(file);
+    state.packedHashes.clear();
     if (header.frameCount == 0) {
-        state.checkEnd(file, header);
+        state.checkFrames(file, header);
         return header;
     }
 
     ZSTD_DCtx_reset(state.decoder, ZSTD_reset_session_only);
     XXH3_128bits_reset(state.hash);
+    XXH3_64bits_reset(state.packed);
     std::uint64_t fileOffset = state.have; // where the next block comes from
     std::uint64_t bodyLeft = header.bodyBytes;
     std::uint64_t produced = 0;
@@ -134,12 +154,18 @@ CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
         const std::size_t take =
             static_cast<std::size_t>(std::min<std::uint64_t>(state.have - from, bodyLeft));
         ZSTD_inBuffer input{state.in.data() + from, take, 0};
-        while (input.pos < input.size) {
+        bool full = false; // the decoder holds more than the last output took
+        while (input.pos < input.size || full) {
             ZSTD_outBuffer output{state.out.data(), state.out.size(), 0};
+            const std::size_t begin = input.pos;
             const std::size_t code = ZSTD_decompressStream(state.decoder, &output, &input);
             if (ZSTD_isError(code) != 0)
                 damaged(std::string("its content is damaged: ") + ZSTD_getErrorName(code));
+            XXH3_64bits_update(state.packed, state.in.data() + from + begin, input.pos - begin);
             frameOpen = code != 0;
+            full = frameOpen && output.pos == output.size;
+            if (!frameOpen)
+                state.endFrame();
             produced += output.pos;
             // Checked before it goes on: a damaged length must not fill the disk.
             if (produced > header.sizeBytes)
@@ -148,25 +174,6 @@ CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
             XXH3_128bits_update(state.hash, piece.data(), piece.size());
             if (!piece.empty())
                 sink(piece);
-        }
-        // What the decoder still holds back of a full output buffer.
-        for (;;) {
-            ZSTD_outBuffer output{state.out.data(), state.out.size(), 0};
-            ZSTD_inBuffer none{state.in.data(), 0, 0};
-            if (!frameOpen)
-                break;
-            const std::size_t code = ZSTD_decompressStream(state.decoder, &output, &none);
-            if (ZSTD_isError(code) != 0)
-                damaged(std::string("its content is damaged: ") + ZSTD_getErrorName(code));
-            frameOpen = code != 0;
-            if (output.pos == 0)
-                break;
-            produced += output.pos;
-            if (produced > header.sizeBytes)
-                damaged("its content is longer than its header says");
-            const auto piece = std::span<const std::byte>(state.out).first(output.pos);
-            XXH3_128bits_update(state.hash, piece.data(), piece.size());
-            sink(piece);
         }
         from += take;
         bodyLeft -= take;
@@ -177,7 +184,7 @@ CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
         damaged("its content is shorter than its header says");
     if (state.digest() != header.contentHash)
         damaged("its content does not match its checksum");
-    state.checkEnd(file, header);
+    state.checkFrames(file, header);
     return header;
 }
 

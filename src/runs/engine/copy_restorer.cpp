@@ -45,8 +45,10 @@ public:
         if (m_kept)
             return;
         m_file.reset();
-        base::PendingError ignored; // the error that led here is the one to tell
-        ignored.attempt([&] { m_folder.removeFile(m_name); });
+        try {
+            m_folder.removeFile(m_name);
+        } catch (...) { // NOLINT(bugprone-empty-catch): the error that led here is the one to tell
+        }
     }
     TargetFile(const TargetFile&) = delete;
     TargetFile& operator=(const TargetFile&) = delete;

@@ -17,7 +17,7 @@ namespace {
 using base::RuntimeError;
 
 // Large enough that a hole is worth a frame of its own, and one frame's largest size.
-constexpr std::uint64_t kHoleBytes = kLargestFrame;
+constexpr std::uint32_t kHoleBytes = kLargestFrame;
 constexpr std::size_t kPlainBlock = 1024 * 1024;
 
 void check(std::size_t code)
@@ -54,15 +54,22 @@ public:
         }
     }
 
-    // Appends the frame to `target` where the earlier copy holds it.
-    std::optional<std::uint32_t> take(const archive::ContentHash& hash, std::size_t rawBytes,
-                                      platform::File& target) const
+    // Appends the frame to `target` where the earlier copy holds it whole: one that was damaged on
+    // the disk is never taken over, since the source can still give it anew.
+    std::optional<BodyFrame> take(const archive::ContentHash& hash, std::size_t rawBytes,
+                                  platform::File& target, std::vector<std::byte>& buffer) const
     {
         const auto hit = m_offsets.find(hash);
         if (hit == m_offsets.end() || hit->second.frame.rawBytes != rawBytes)
             return std::nullopt;
-        target.appendRange(m_earlier->file, hit->second.offset, hit->second.frame.packedBytes);
-        return hit->second.frame.packedBytes;
+        const Place& place = hit->second;
+        if (buffer.size() < place.frame.packedBytes)
+            buffer.resize(place.frame.packedBytes);
+        const auto packed = std::span(buffer).first(place.frame.packedBytes);
+        if (!readWhole(place.offset, packed) || packedHashOf(packed) != place.frame.packedHash)
+            return std::nullopt;
+        target.appendRange(m_earlier->file, place.offset, place.frame.packedBytes);
+        return place.frame;
     }
 
 private:
@@ -70,6 +77,22 @@ private:
         std::uint64_t offset = 0;
         BodyFrame frame;
     };
+    bool readWhole(std::uint64_t offset, std::span<std::byte> buffer) const
+    {
+        try {
+            while (!buffer.empty()) {
+                const std::size_t n = m_earlier->file.readAt(offset, buffer);
+                if (n == 0)
+                    return false;
+                offset += n;
+                buffer = buffer.subspan(n);
+            }
+            return true;
+        } catch (const RuntimeError&) {
+            return false;
+        }
+    }
+
     const EarlierBody* m_earlier;
     std::unordered_map<archive::ContentHash, Place, HashKey> m_offsets;
 };
@@ -162,11 +185,22 @@ struct CopyWriter::State {
         return n;
     }
 
+    // kHoleBytes zeros and the frame that they give, made when the first hole is met.
+    void makeZeros()
+    {
+        if (!zeros.empty())
+            return;
+        zeros.resize(kHoleBytes);
+        zerosHash = hashOf(zeros);
+        const std::size_t n = pack(zeros, 0);
+        packedZeros.assign(packed.begin(), packed.begin() + static_cast<std::ptrdiff_t>(n));
+    }
+
     ZSTD_CCtx* compressor;
     std::vector<std::byte> packed;
     std::vector<std::byte> raw;
-    std::vector<std::byte> zeros;       // kHoleBytes of them, made when first needed
-    std::vector<std::byte> packedZeros; // the frame they give
+    std::vector<std::byte> zeros;
+    std::vector<std::byte> packedZeros;
     archive::ContentHash zerosHash{};
 };
 
@@ -183,6 +217,8 @@ std::span<const std::byte> CopyWriter::packWhole(CopyHeader& header,
     header.bodyBytes = 0;
     const std::size_t headBytes = encodeHeader(header).size();
     header.bodyBytes = m_state->pack(content, headBytes);
+    header.bodyHash = packedHashOf(
+        std::span<const std::byte>(m_state->packed).subspan(headBytes, header.bodyBytes));
     const std::string head = encodeHeader(header);
     std::memcpy(m_state->packed.data(), head.data(), head.size());
     return std::span(m_state->packed).first(headBytes + header.bodyBytes);
@@ -214,12 +250,19 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
     std::uint64_t readAt = 0; // where the next byte of the source comes from
     std::uint64_t dataEnd = holes.dataEnd(0);
     bool atEnd = false;
-    const auto keepFrame = [&](std::size_t rawBytes, std::size_t packedBytes,
-                               const archive::ContentHash& hash) {
-        frames.push_back(
-            {static_cast<std::uint32_t>(rawBytes), static_cast<std::uint32_t>(packedBytes), hash});
-        header.sizeBytes += rawBytes;
-        header.bodyBytes += packedBytes;
+    const auto keepFrame = [&](const BodyFrame& frame) {
+        frames.push_back(frame);
+        header.sizeBytes += frame.rawBytes;
+        header.bodyBytes += frame.packedBytes;
+    };
+    const auto writeFrame = [&](std::span<const std::byte> content,
+                                const archive::ContentHash& hash) {
+        // Packed before the view is taken: packing may move the buffer.
+        const std::size_t packedBytes = state.pack(content, 0);
+        const auto packed = std::span<const std::byte>(state.packed).first(packedBytes);
+        target.write(packed);
+        keepFrame({static_cast<std::uint32_t>(content.size()),
+                   static_cast<std::uint32_t>(packed.size()), hash, packedHashOf(packed)});
     };
     for (;;) {
         while (!atEnd && filled < state.raw.size() && readAt < dataEnd) {
@@ -236,35 +279,25 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
             const auto piece = std::span<const std::byte>(state.raw).first(cut);
             wholeHash.add(piece);
             const archive::ContentHash hash = hashOf(piece);
-            if (const auto taken = earlierFrames.take(hash, cut, target)) {
-                keepFrame(cut, *taken, hash);
-            } else {
-                const std::size_t packedBytes = state.pack(piece, 0);
-                target.write(std::span(state.packed).first(packedBytes));
-                keepFrame(cut, packedBytes, hash);
-            }
+            if (const auto taken = earlierFrames.take(hash, cut, target, state.packed))
+                keepFrame(*taken);
+            else
+                writeFrame(piece, hash);
             std::memmove(state.raw.data(), state.raw.data() + cut, filled - cut);
             filled -= cut;
         } else if (!atEnd && readAt >= dataEnd) {
             const std::uint64_t hole = holes.holeEnd(readAt) - readAt;
             const std::size_t length =
                 static_cast<std::size_t>(std::min<std::uint64_t>(hole, kHoleBytes));
-            if (state.zeros.empty()) {
-                state.zeros.resize(kHoleBytes);
-                state.zerosHash = hashOf(state.zeros);
-                const std::size_t n = state.pack(state.zeros, 0);
-                state.packedZeros.assign(state.packed.begin(),
-                                         state.packed.begin() + static_cast<std::ptrdiff_t>(n));
-            }
+            state.makeZeros();
             const auto zeros = std::span<const std::byte>(state.zeros).first(length);
             wholeHash.add(zeros);
             if (length == kHoleBytes) {
                 target.write(state.packedZeros);
-                keepFrame(length, state.packedZeros.size(), state.zerosHash);
+                keepFrame({kHoleBytes, static_cast<std::uint32_t>(state.packedZeros.size()),
+                           state.zerosHash, packedHashOf(state.packedZeros)});
             } else {
-                const std::size_t n = state.pack(zeros, 0);
-                target.write(std::span(state.packed).first(n));
-                keepFrame(length, n, hashOf(zeros));
+                writeFrame(zeros, hashOf(zeros));
             }
             readAt += length;
             if (readAt >= dataEnd && length == hole)
@@ -278,12 +311,11 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
     }
     if (frames.empty()) {
         // Even an empty body is a frame, so that a decoder has something to begin with.
-        const std::size_t n = state.pack({}, 0);
-        target.write(std::span(state.packed).first(n));
-        keepFrame(0, n, hashOf({}));
+        writeFrame({}, hashOf({}));
     }
     header.contentHash = wholeHash.result();
     header.frameCount = static_cast<std::uint32_t>(frames.size());
+    header.bodyHash = frames.size() == 1 ? frames.front().packedHash : 0;
     if (frames.size() > 1)
         target.write(view(encodeIndex(frames)));
     target.writeAt(0, view(encodeHeader(header)));
@@ -304,10 +336,7 @@ bool CopyWriter::copyPlain(CopyHeader& header, platform::File& source, platform:
     for (;;) {
         if (at >= dataEnd) {
             const std::uint64_t end = holes.holeEnd(at);
-            if (state.zeros.empty()) {
-                state.zeros.resize(kHoleBytes);
-                state.zerosHash = hashOf(state.zeros);
-            }
+            state.makeZeros();
             for (std::uint64_t left = end - at; left > 0;) {
                 const std::size_t n =
                     static_cast<std::size_t>(std::min<std::uint64_t>(left, kHoleBytes));

@@ -74,6 +74,7 @@ BackupPlan planBackup(const platform::Machine& machine, std::string_view appPath
                       std::string_view profilePath)
 {
     const ArchivePlace place = openPlace(machine, profilePath);
+    checkWritable(place);
     const Selection selection(place.profile, machine.fileSystem.isCaseSensitive());
     ScanPlan scan =
         scanSources(machine, selection, {place.root, place.destination, std::string(appPath)}, {});

@@ -37,8 +37,10 @@ public:
         if (m_kept)
             return;
         m_file.reset();
-        base::PendingError ignored; // the next run clears it away
-        ignored.attempt([&] { m_folder.removeFile(m_name); });
+        try {
+            m_folder.removeFile(m_name);
+        } catch (...) { // NOLINT(bugprone-empty-catch): the next run clears it away
+        }
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;

@@ -100,6 +100,8 @@ public:
         if (steps == 0)
             m_link.onProgress(kWholeRestore);
 
+        if (!m_request.location.empty())
+            m_files.createFolders(m_request.location);
         restoreFiles(plan, m_request.location);
         for (std::size_t i = 0; i < settings.size() && !m_cancelled; ++i)
             restoreGroup(plan.settingsGroups[i], settings[i]);
@@ -284,8 +286,8 @@ private:
             m_report.outcome = gaps ? Outcome::CompleteWithGaps : Outcome::Complete;
 
         logs::RestoreRecord record;
-        record.profileName = m_request.profileFileName;
-        record.destination = m_request.location.empty() ? "Original Location" : m_request.location;
+        record.profileName = m_place.stem;
+        record.restoredPath = m_request.location.empty() ? "Original Location" : m_request.location;
         record.date = base::isoDateTime(m_machine.clock.toLocal(m_startNs));
         record.fileCount = m_report.filesRestored;
         logs::appendRestoreRecord(m_files, m_appPath, record);
