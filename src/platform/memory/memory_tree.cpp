@@ -309,7 +309,7 @@ bool MemoryTree::isReadOnly(const MemoryNode& node, const MemoryNode* folder)
 }
 
 // A missing last name leaves the node empty; a missing folder on the way empties the folder, too.
-MemoryTree::Found MemoryTree::walk(MemoryNodePtr start, Names names, bool followLast,
+MemoryTree::Found MemoryTree::walk(const MemoryNodePtr& start, Names names, bool followLast,
                                    int& links) const
 {
     Found found{start, start->name, start};

@@ -89,7 +89,7 @@ public:
 
 private:
     using Names = std::vector<std::string>; // the next one is at the end
-    Found walk(MemoryNodePtr start, Names names, bool followLast, int& links) const;
+    Found walk(const MemoryNodePtr& start, Names names, bool followLast, int& links) const;
     Found resolve(std::string_view path, bool followLast) const;
     MemoryNodePtr folderAt(std::string_view path) const;
     const DriveMap& map() const { return m_map; }
