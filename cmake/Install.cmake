@@ -20,13 +20,6 @@ install(CODE [[
 ]])
 
 # The manual page and the completion stand beside the program that they describe.
-file(GLOB manualPages CONFIGURE_DEPENDS
-    ${PROJECT_SOURCE_DIR}/src/ctl/*.1 ${PROJECT_SOURCE_DIR}/docs/*.1)
-if(manualPages)
-    install(FILES ${manualPages} DESTINATION share/man/man1)
-endif()
-file(GLOB completions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/ctl/*.bash)
-foreach(completion IN LISTS completions)
-    get_filename_component(program ${completion} NAME_WE)
-    install(FILES ${completion} DESTINATION share/bash-completion/completions RENAME ${program})
-endforeach()
+install(FILES ${PROJECT_SOURCE_DIR}/assets/man/vardelinctl.1 DESTINATION share/man/man1)
+install(FILES ${PROJECT_SOURCE_DIR}/assets/completion/vardelinctl
+    DESTINATION share/bash-completion/completions)
