@@ -94,8 +94,9 @@ bool RegistryScheduleRecords::DeleteSchedKey(std::string_view name)
         if (!base::equalsIgnoringCase(base::beforeFirst(key, std::string_view("\0", 1)), base))
             continue;
         base::PendingError undeleted; // the answer tells of the way to the keys alone
-        undeleted.attempt(
-            [&] { registry.deleteKey(RegistryRoot::LocalMachine, schedules + "\\" + key); });
+        undeleted.attempt([&] {
+            registry.deleteKey(RegistryRoot::LocalMachine, fmt::format("{}\\{}", schedules, key));
+        });
     }
     return true;
 }

@@ -142,7 +142,7 @@ void mirrorRunKey(Registry& registry, const FileSystem& fileSystem, const std::s
             raise(undeleted, entry.path().string());
     }
     for (const auto& [name, text] : wanted)
-        replace(folder + "/" + name, text);
+        replace((fs::path(folder) / name).string(), text);
 }
 
 } // namespace vardelin::platform

@@ -57,8 +57,8 @@ base::DateTime LinuxClock::toLocal(std::int64_t ns)
 std::int64_t LinuxClock::fromLocal(const base::DateTime& local)
 {
     const std::int64_t wall = base::daysSinceEpoch(local.date) * kSecondsPerDay +
-                              std::int64_t{local.time.hour} * 3600 + local.time.minute * 60 +
-                              local.time.second;
+                              std::int64_t{local.time.hour} * 3600 +
+                              std::int64_t{local.time.minute} * 60 + local.time.second;
     // Zones change their distance from UTC at most once within two days, so the distances a day
     // before and a day behind are the only ones in question; the one before gives the earlier
     // instant.

@@ -32,7 +32,7 @@ std::vector<std::string> matching(const std::string& folder,
         if (std::any_of(patterns.begin(), patterns.end(), [&](std::string_view pattern) {
                 return base::matchesPattern(name, pattern);
             }))
-            found.push_back(folder + "/" + name);
+            found.push_back(entry.path().string());
     }
     std::sort(found.begin(), found.end());
     return found;

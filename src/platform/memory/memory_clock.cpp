@@ -60,9 +60,9 @@ std::int64_t MemoryClock::fromLocal(const base::DateTime& local)
 
 std::int64_t MemoryClock::instantOf(const base::DateTime& local) const
 {
-    const std::int64_t seconds = base::daysSinceEpoch(local.date) * kSecondsPerDay +
-                                 std::int64_t{local.time.hour} * 3600 + local.time.minute * 60 +
-                                 local.time.second - m_zoneOffset.count() * 60;
+    const std::int64_t seconds =
+        base::daysSinceEpoch(local.date) * kSecondsPerDay + std::int64_t{local.time.hour} * 3600 +
+        std::int64_t{local.time.minute} * 60 + local.time.second - m_zoneOffset.count() * 60;
     return seconds * kNsPerSecond;
 }
 
