@@ -145,6 +145,13 @@ private:
                                  reason);
     }
 
+    // What registryText() could not write is not read either.
+    void checkName(std::string_view name) const
+    {
+        if (name.find_first_of(std::string_view("\0\r", 2)) != std::string_view::npos)
+            fail("the name holds a NUL or a line end");
+    }
+
     bool nextLine(std::string_view& line)
     {
         if (m_rest.empty())
@@ -194,6 +201,7 @@ private:
         change.key = base::join({parts.begin(), parts.end()}, "\\");
         if (parts.size() > kMaxRegistryDepth)
             fail("the key lies more than " + std::to_string(kMaxRegistryDepth) + " levels deep");
+        checkName(change.key);
         if (deletes && change.key.empty())
             fail("a registry root cannot be deleted");
         m_section = change;
@@ -207,6 +215,7 @@ private:
         std::string_view data = line;
         if (!takeName(data, change.value.name))
             fail("neither a section nor a value");
+        checkName(change.value.name);
         if (!m_section)
             fail("the value stands before the first section");
         if (m_section->kind == RegistryChange::Kind::DeleteKey)
