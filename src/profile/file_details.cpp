@@ -14,7 +14,6 @@ namespace vardelin::profile {
 namespace {
 
 using base::RuntimeError;
-using trace::TailNames;
 using trace::TraceContext;
 namespace error_number = base::error_number;
 
@@ -182,7 +181,7 @@ bool GetFileTimes(TraceContext& trace, platform::Machine& machine, std::string_v
             const base::DateTime local = machine.clock.toLocal(file->info().createdNs);
             const std::int64_t seconds = base::daysSinceEpoch(local.date) * kSecondsPerDay +
                                          local.time.hour * kSecondsPerHour +
-                                         local.time.minute * 60 + local.time.second;
+                                         std::int64_t{local.time.minute} * 60 + local.time.second;
             time = fileTimeOf(seconds * kStepsPerSecond * kNsPerStep);
         }
         created = FileTimeToDate(trace, time);

@@ -127,7 +127,9 @@ void clsFiles::loadSubfolders(std::string_view pattern)
         if (entry.info.kind == FileKind::Folder) {
             const std::string name = sNT(trace, entry.name);
             std::size_t countSoFar = 0;
-            LoadFiles(folder + name + "\\" + mask, true, countSoFar);
+            std::string inner = folder;
+            inner.append(name).append("\\").append(mask);
+            LoadFiles(inner, true, countSoFar);
         }
         advance(kSubfolderBound);
     }
