@@ -20,6 +20,11 @@ install(CODE [[
 ]])
 
 # The manual page and the completion stand beside the program that they describe.
-install(FILES ${PROJECT_SOURCE_DIR}/assets/man/vardelinctl.1 DESTINATION share/man/man1)
-install(FILES ${PROJECT_SOURCE_DIR}/assets/completion/vardelinctl
-    DESTINATION share/bash-completion/completions)
+file(GLOB manualPages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/assets/man/*.1)
+if(manualPages)
+    install(FILES ${manualPages} DESTINATION share/man/man1)
+endif()
+file(GLOB completions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/assets/completion/*)
+if(completions)
+    install(FILES ${completions} DESTINATION share/bash-completion/completions)
+endif()
