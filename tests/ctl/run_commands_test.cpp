@@ -1,0 +1,110 @@
+#include "ctl/ctl_rig.h"
+
+#include <gtest/gtest.h>
+
+namespace vardelin::test {
+namespace {
+
+struct WithProfile : CtlRig {
+    WithProfile()
+    {
+        EXPECT_EQ(run({"init", "/app"}), 0);
+        EXPECT_EQ(run({"profile", "new", "Home", "--source", "letters", "--dest", "D:\\backups"}),
+                  0)
+            << err.str();
+    }
+};
+
+TEST(RunCommands, SaveListAndRestore)
+{
+    WithProfile rig;
+    EXPECT_EQ(rig.run({"backup", "Home", "--dry-run"}), 0);
+    EXPECT_EQ(rig.run({"backup", "Home"}), 0) << rig.err.str();
+    EXPECT_EQ(rig.run({"backup", "Home"}), 4) << rig.out.str();
+    rig.putFile("C:\\work\\letters\\a.txt", "changed");
+    EXPECT_EQ(rig.run({"backup", "Home"}), 0);
+
+    EXPECT_EQ(rig.run({"list", "Home"}), 0);
+    EXPECT_EQ(rig.out.str(), "Files And Folders\\C:\\work\\letters\\a.txt_000\n"
+                             "Files And Folders\\C:\\work\\letters\\a.txt_001\n");
+    EXPECT_EQ(rig.run({"list", "Home", "*.doc"}), 4);
+    EXPECT_EQ(rig.out.str(), "");
+
+    struct Case {
+        std::vector<std::string> entries;
+        const char* content;
+    };
+    for (const Case& c : {Case{{"C:\\work\\letters\\a.txt_000"}, "hello"},
+                          Case{{"Files And Folders\\C:\\work\\letters\\a.txt_000"}, "hello"},
+                          Case{{"C:\\work\\letters\\a.txt_001"}, "changed"},
+                          Case{{"letters/a.txt"}, "changed"}, Case{{"letters"}, "changed"},
+                          Case{{"C:\\work\\"}, "changed"}, Case{{"--all"}, "changed"}}) {
+        std::vector<std::string> arguments{"restore", "Home", "--to", "out"};
+        arguments.insert(arguments.end(), c.entries.begin(), c.entries.end());
+        EXPECT_EQ(rig.run(arguments), 0) << c.entries.front() << rig.err.str() << rig.out.str();
+        EXPECT_EQ(rig.world.fileSystem.readAll("C:\\work\\out\\C\\work\\letters\\a.txt"), c.content)
+            << c.entries.front();
+    }
+    EXPECT_EQ(rig.run({"verify", "Home"}), 0) << rig.out.str();
+    EXPECT_EQ(rig.run({"restore", "Home", "letters/none.txt"}), 1);
+    EXPECT_EQ(rig.run({"restore", "Home"}), 2);
+    EXPECT_EQ(rig.run({"restore", "Home", "--all", "letters"}), 2);
+    EXPECT_EQ(rig.run({"restore", "Home", "--all", "--date", "31/2/2026"}), 2);
+    EXPECT_EQ(rig.run({"logs", "backup"}), 0);
+    EXPECT_EQ(rig.run({"logs", "queue"}), 4);
+    EXPECT_NE(rig.out.str().find("The Queue file is not existing in the default path"),
+              std::string::npos);
+}
+
+TEST(RunCommands, EndWithTheCodeOfACancelledRun)
+{
+    WithProfile rig;
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream err;
+    ctl::Terminal terminal{in, out, err};
+    terminal.interrupted = [] { return true; };
+    const auto parsed = ctl::parseCommandLine({"backup", "Home"});
+    EXPECT_EQ(ctl::runCommand(std::get<ctl::CommandLine>(parsed), rig.world.machine(), terminal,
+                              "C:\\app"),
+              130);
+}
+
+TEST(RunCommands, LeaveOutWhatLaterVersionsBring)
+{
+    WithProfile rig;
+    for (const char* command : {"delete", "prune", "package", "pcbackup"})
+        EXPECT_EQ(rig.run({command, "Home"}), 2) << command;
+    EXPECT_EQ(rig.run({"restore", "Home", "--all", "--password-file", "x"}), 2);
+}
+
+TEST(RunCommands, SayWhatIsMissing)
+{
+    CtlRig bare;
+    EXPECT_EQ(bare.run({"backup", "Home"}), 3);
+    EXPECT_NE(bare.err.str().find("no application folder"), std::string::npos);
+    WithProfile rig;
+    EXPECT_EQ(rig.run({"backup", "Other"}), 3);
+    EXPECT_NE(rig.err.str().find("/app/Profiles/Other.vdp"), std::string::npos);
+    EXPECT_EQ(rig.run({"list", "Home"}), 3);
+    EXPECT_EQ(rig.run({"backup", "../Home"}), 2);
+}
+
+TEST(RunCommands, ExportAndImportTheRegistry)
+{
+    WithProfile rig;
+    rig.world.registry.setString(platform::RegistryRoot::LocalMachine, "SOFTWARE\\Mine", "a", "b");
+    ASSERT_EQ(rig.run({"registry", "export"}), 0);
+    const std::string text = rig.out.str();
+    EXPECT_EQ(text.find("REGEDIT4"), 0U);
+    EXPECT_EQ(text.find("REGEDIT4", 1), std::string::npos);
+    CtlRig other;
+    ASSERT_EQ(other.run({"init", "/app"}), 0);
+    other.in.str(text);
+    ASSERT_EQ(other.run({"registry", "import"}), 0) << other.err.str();
+    ASSERT_EQ(other.run({"registry", "export"}), 0);
+    EXPECT_EQ(other.out.str(), text);
+}
+
+} // namespace
+} // namespace vardelin::test

@@ -1,0 +1,121 @@
+#include "e2e/program.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+
+namespace vardelin::test {
+namespace {
+
+std::string day(int daysFromNow)
+{
+    const std::time_t time = std::time(nullptr) + daysFromNow * 86'400;
+    std::tm local{};
+    ::localtime_r(&time, &local);
+    return std::to_string(local.tm_mday) + "/" + std::to_string(local.tm_mon + 1) + "/" +
+           std::to_string(local.tm_year + 1900);
+}
+
+TEST(MainJob, SavesVersionsAndBringsBackEachOfThem)
+{
+    const World world;
+    ASSERT_EQ(world.run({"backup", "Home"}).code, 0);
+    EXPECT_EQ(world.run({"backup", "Home"}).code, 4);
+    world.write("sources/letter.txt", "second version\n");
+    ASSERT_EQ(world.run({"backup", "home.vdp"}).code, 0);
+
+    const std::string letter = World::drive(world.sources + "/letter.txt");
+    const Ran listed = world.run({"list", "Home", "*letter*"});
+    EXPECT_EQ(listed.out,
+              "Files And Folders\\" + letter + "_000\nFiles And Folders\\" + letter + "_001\n");
+
+    ASSERT_EQ(world.run({"restore", "Home", letter + "_000"}).code, 0);
+    EXPECT_EQ(world.read("sources/letter.txt"), "first\n");
+    ASSERT_EQ(world.run({"restore", "Home", "sources/letter.txt"}).code, 0);
+    EXPECT_EQ(world.read("sources/letter.txt"), "second version\n");
+    ASSERT_EQ(world.run({"restore", "Home", "--all", "--to", "out", "--date", day(0)}).code, 0);
+    EXPECT_EQ(shell("diff -r " + shellWord(world.sources) + " " +
+                    shellWord(world.folder / "out/C" + world.sources)),
+              "");
+    EXPECT_EQ(world.run({"restore", "Home", "--all", "--to", "none", "--date", day(-2)}).code, 1);
+    EXPECT_EQ(world.run({"verify", "Home"}).code, 0);
+    EXPECT_EQ(world.run({"logs", "backup"}).code, 0);
+    EXPECT_EQ(world.run({"logs", "restore"}).code, 0);
+}
+
+TEST(MainJob, KeepsCopiesThatZstdAloneCanRead)
+{
+    const World world;
+    ASSERT_EQ(world.run({"backup", "Home"}).code, 0);
+    const std::string copy =
+        shell("find " + shellWord(world.destination) + " -name 'photo.raw_FULL_*.zst'");
+    ASSERT_NE(copy, "");
+    int code = -1;
+    const std::string content =
+        shell("zstd -dc " + shellWord(copy.substr(0, copy.size() - 1)), &code);
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(content, std::string(100'000, 'p'));
+}
+
+TEST(MainJob, FindsDamageInTheArchive)
+{
+    const World world;
+    ASSERT_EQ(world.run({"backup", "Home"}).code, 0);
+    const std::string listed =
+        shell("find " + shellWord(world.destination) + " -name 'letter.txt_FULL_*'");
+    const std::string copy = listed.substr(0, listed.size() - 1);
+    std::string bytes = TempFolder::read(copy);
+    bytes.back() = static_cast<char>(bytes.back() ^ 1);
+    std::ofstream(copy, std::ios::binary) << bytes;
+    const Ran verified = world.run({"verify", "Home"});
+    EXPECT_EQ(verified.code, 1);
+    EXPECT_NE(verified.out.find("letter.txt"), std::string::npos);
+    EXPECT_EQ(world.run({"restore", "Home", "--all", "--to", "out"}).code, 1);
+    EXPECT_TRUE(
+        std::filesystem::exists(world.folder / "out/C" + world.sources + "/deep/photo.raw"));
+    EXPECT_FALSE(std::filesystem::exists(world.folder / "out/C" + world.sources + "/letter.txt"));
+}
+
+TEST(MainJob, SavesNamesOfAllBytes)
+{
+    const World world;
+    for (const char* name : {"back\\slash", "colon: *?", "\"<>|", "new\nline", " in front", "-rf",
+                             "caf\xC3\xA9", "not utf8 \xE9", "carefully full", "x_Ver1_y", "[x]"})
+        world.write(std::string("sources/") + name, name);
+    const Ran ran = world.run({"backup", "Home"});
+    EXPECT_EQ(ran.code, 0) << ran.out << ran.err;
+    EXPECT_EQ(world.run({"backup", "Home"}).code, 4);
+    ASSERT_EQ(world.run({"restore", "Home", "--all", "--to", "out"}).code, 0);
+    EXPECT_EQ(shell("diff -r " + shellWord(world.sources) + " " +
+                    shellWord(world.folder / "out/C" + world.sources)),
+              "");
+    ASSERT_EQ(world.run({"restore", "Home", "sources/not utf8 \xE9", "--to", "one"}).code, 0);
+    EXPECT_EQ(TempFolder::read(world.folder / "one/C" + world.sources + "/not utf8 \xE9"),
+              "not utf8 \xE9");
+    const Ran objects = world.run({"--json", "list", "Home", "*utf8*"});
+    EXPECT_NE(objects.out.find("pathBytes"), std::string::npos);
+}
+
+TEST(MainJob, EndsWithTheCodeForCancelledOnCtrlC)
+{
+    const World world;
+    for (int i = 0; i < 3000; ++i)
+        world.write("sources/many/" + std::to_string(i), std::string(20'000, 'x'));
+    int code = -1;
+    const std::string log = world.folder / "cancelled";
+    shell("timeout -s INT 0.1 " + shellWord(VARDELINCTL) + " --app " + shellWord(world.app) +
+              " backup Home > " + shellWord(log) + " 2>&1; echo $?",
+          &code);
+    // A machine that was done before the signal came has nothing to show here.
+    const Ran again = world.run({"backup", "Home"});
+    EXPECT_TRUE(again.code == 0 || again.code == 4) << again.err;
+    ASSERT_EQ(world.run({"restore", "Home", "--all", "--to", "out"}).code, 0);
+    EXPECT_EQ(shell("diff -r " + shellWord(world.sources) + " " +
+                    shellWord(world.folder / "out/C" + world.sources)),
+              "");
+}
+
+} // namespace
+} // namespace vardelin::test
