@@ -121,6 +121,7 @@ void RunProgress::show()
         Json object{{"type", "progress"}, {"percent", percent}, {"files", m_files}};
         putText(object, "item", m_item);
         m_output.object(object);
+        m_terminal.out.flush(); // whoever reads it wants to see it move
     }
 }
 
