@@ -1,6 +1,7 @@
 #include "archive/entry_names.h"
 
 #include "base/text.h"
+#include "platform/name_mapping.h"
 
 #include <charconv>
 
@@ -179,6 +180,13 @@ std::optional<CopyName> parseCopyName(std::string_view fileName)
         named != base::containsIgnoringCase(result.sourceName, "full"))
         return std::nullopt;
     return result;
+}
+
+std::string sourceNameOf(std::string_view parsedSourceName)
+{
+    if (!parsedSourceName.ends_with('.') && !parsedSourceName.ends_with(' '))
+        return std::string(parsedSourceName);
+    return platform::nameFromDisk(platform::nameToDisk(parsedSourceName));
 }
 
 std::string temporaryName(std::uint64_t serial)

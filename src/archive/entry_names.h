@@ -54,6 +54,11 @@ std::optional<std::string> copyName(std::string_view sourceName, int version, co
 // Reads a name back; nullopt for a name that this program did not make.
 std::optional<CopyName> parseCopyName(std::string_view fileName);
 
+// The source's name as the file system port gives it. A blank or dot at the end of a name is mapped
+// there, and in front of a mark it is not at the end: `dot._FULL_...` is the copy of a source whose
+// own name ends in the mapped dot. Other names come back as they are.
+std::string sourceNameOf(std::string_view parsedSourceName);
+
 // Files that are still being written, `~` + 16 hexadecimal digits + `.tmp`. They carry no mark and
 // are cleared away by the next run.
 std::string temporaryName(std::uint64_t serial);

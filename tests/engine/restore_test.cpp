@@ -1,9 +1,16 @@
 #include "engine/engine_world.h"
 
 #include "base/runtime_error.h"
+#include "platform/linux/linux_file_system.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
 
 namespace vardelin::engine {
 namespace {
@@ -296,6 +303,78 @@ TEST(Restore, KeepsLinksEmptyFoldersAttributesAndFolderRights)
     ASSERT_TRUE(back->find("empty"));
     EXPECT_EQ(back->find("empty")->modifiedNs, 43'000);
     EXPECT_TRUE(files.list("D:\\back\\C\\data\\empty").empty());
+}
+
+// Every byte that a Linux name can hold, and what stands at its end, on the real disk.
+TEST(Restore, OddNamesMakeTheRoundTripOnARealDisk)
+{
+    std::string place = testing::TempDir() + "vardelin-names-XXXXXX";
+    ASSERT_NE(::mkdtemp(place.data()), nullptr);
+    platform::LinuxFileSystem disk(
+        std::make_shared<const platform::DriveMap>(std::vector<platform::DriveRoot>{{'C', place}}));
+    World world;
+    const platform::Machine machine{disk,
+                                    world.ports.drives,
+                                    world.ports.registry,
+                                    world.ports.shell,
+                                    world.ports.facts,
+                                    world.ports.processes,
+                                    world.ports.clock,
+                                    world.ports.messageLoop,
+                                    world.ports.messageBoxes};
+    for (const char* folder : {"C:\\app\\Profiles", "C:\\store", "C:\\data"})
+        disk.createFolders(folder);
+    ProfileText text;
+    text.destination = "C:\\store";
+    disk.replaceFile(kProfiles + "Work.vdp", profile::scrambleText(text.plain()));
+
+    std::vector<std::string> names{"dot.",
+                                   "dots..",
+                                   "blank ",
+                                   " blank",
+                                   ". .",
+                                   "...",
+                                   "full.",
+                                   "\xef\x80\xba",
+                                   "\xef\x80\xae",
+                                   "a\xef\x83\xbf",
+                                   std::string(255, 'n'),
+                                   std::string(243, 'm')};
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/')
+            names.push_back(std::string("b") + static_cast<char>(byte));
+    }
+    for (const std::string& name : names)
+        std::ofstream(place + "/data/" + name, std::ios::binary) << "first of " << name;
+    const auto backup = [&] {
+        Engine engine(machine, kApp, world.events);
+        TruthValue success = kFalse;
+        engine.EngineBackup(kProfiles, "Work.vdp", success);
+        return engine.backupReport();
+    };
+    const BackupReport first = backup();
+    // A name that leaves no room for a mark cannot be saved, and is named.
+    ASSERT_EQ(first.missed.size(), 1U);
+    EXPECT_THAT(first.missed[0].reason, HasSubstr("too long"));
+    EXPECT_EQ(backup().outcome, Outcome::CompleteWithGaps);
+    EXPECT_EQ(backup().copiesWritten, 0U) << "every name was found again";
+    for (const std::string& name : names)
+        std::ofstream(place + "/data/" + name, std::ios::binary) << "second of " << name << " ";
+    EXPECT_EQ(backup().versions, names.size() - 1);
+
+    Engine engine(machine, kApp, world.events);
+    base::TextCollection chosen;
+    chosen.add("C:\\data\\", "C:\\data\\");
+    engine.EngineRestore(kProfiles, "Work.vdp", chosen, "C:\\back", "NULL");
+    EXPECT_THAT(engine.restoreReport().lost, IsEmpty());
+    for (const std::string& name : names) {
+        if (name.size() > 200)
+            continue;
+        std::ifstream file(place + "/back/C/data/" + name, std::ios::binary);
+        const std::string content{std::istreambuf_iterator<char>(file), {}};
+        EXPECT_EQ(content, "second of " + name + " ") << name;
+    }
+    std::filesystem::remove_all(place);
 }
 
 TEST(Restore, SettingsGroupsGoBackToTheirPlacesWhateverTheDate)

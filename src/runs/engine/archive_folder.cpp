@@ -18,8 +18,10 @@ ArchiveFolder::ArchiveFolder(std::vector<platform::FolderEntry> entries)
         }
         if (entry.kind == platform::FileKind::Regular) {
             if (const auto name = archive::parseCopyName(entry.name)) {
-                m_copies.push_back(
-                    {entry.name, name->sourceName, name->version, name->form, name->meta});
+                std::string_view source = name->sourceName;
+                if (source.ends_with('.') || source.ends_with(' '))
+                    source = m_mappedNames.emplace_back(archive::sourceNameOf(source));
+                m_copies.push_back({entry.name, source, name->version, name->form, name->meta});
                 continue;
             }
             if (archive::isTemporaryName(entry.name)) {

@@ -4,6 +4,7 @@
 #include "platform/file_system.h"
 
 #include <cstddef>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,6 +43,7 @@ public:
 
 private:
     std::vector<platform::FolderEntry> m_entries;
+    std::deque<std::string> m_mappedNames; // of the few sources whose names end in a blank or dot
     std::vector<ListedCopy> m_copies;
     std::unordered_map<std::string_view, std::size_t> m_newest; // source name to its copy
     std::vector<std::string_view> m_subfolders;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,7 @@ public:
 
 private:
     void commit(const std::vector<PendingCopy>& group);
+    void rename(std::span<const PendingCopy> group);
     void flush(const std::vector<PendingCopy>& group);
 
     static constexpr std::size_t kGroup = 20000;

@@ -45,7 +45,11 @@ struct CopyReader::State {
     // much of `in` the header takes and how much there is.
     CopyHeader begin(platform::File& file)
     {
-        have = fill(file, 0, std::span(in).first(kBlockBytes));
+        // The size saves the read that would only find the end.
+        fileBytes = file.info().sizeBytes;
+        have = fill(file, 0,
+                    std::span(in).first(
+                        static_cast<std::size_t>(std::min<std::uint64_t>(fileBytes, kBlockBytes))));
         headBytes = headerFrameBytes(std::span(in).first(have));
         if (headBytes > have) {
             in.resize(std::max(in.size(), headBytes));
@@ -83,7 +87,7 @@ struct CopyReader::State {
         if (header.frameCount <= 1) {
             if (header.frameCount == 1 && packedHashes.front() != header.bodyHash)
                 damaged("its content does not match its checksum");
-            if (file.info().sizeBytes != headBytes + header.bodyBytes)
+            if (fileBytes != headBytes + header.bodyBytes)
                 damaged("it is longer than its header says");
             return;
         }
@@ -110,6 +114,7 @@ struct CopyReader::State {
     std::vector<std::uint64_t> packedHashes;
     std::vector<std::byte> in;
     std::vector<std::byte> out;
+    std::uint64_t fileBytes = 0;
     std::size_t headBytes = 0;
     std::size_t have = 0;
 };
@@ -125,12 +130,19 @@ CopyHeader CopyReader::readHeader(platform::File& file)
 
 CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
 {
+    CopyHeader header = readHeader(file);
+    readContent(file, header, sink);
+    return header;
+}
+
+void CopyReader::readContent(platform::File& file, const CopyHeader& header,
+                             const ContentSink& sink)
+{
     State& state = *m_state;
-    const CopyHeader header = state.begin(file);
     state.packedHashes.clear();
     if (header.frameCount == 0) {
         state.checkFrames(file, header);
-        return header;
+        return;
     }
 
     ZSTD_DCtx_reset(state.decoder, ZSTD_reset_session_only);
@@ -185,7 +197,6 @@ CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
     if (state.digest() != header.contentHash)
         damaged("its content does not match its checksum");
     state.checkFrames(file, header);
-    return header;
 }
 
 void CopyReader::readPlain(platform::File& file, const archive::CopyMeta& expected,

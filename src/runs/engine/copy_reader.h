@@ -24,8 +24,11 @@ public:
     // The header alone, with its own checksum verified. Raises 57 with the cause for a damaged one.
     CopyHeader readHeader(platform::File& file);
 
-    // Header and content. The sink may have had pieces when a damage is found at last: whoever
-    // writes them keeps them under a temporary name until this returns. Raises 57 with the cause.
+    // The content behind a header that readHeader gave last, on the same file. The sink may have
+    // had pieces when a damage is found at last: whoever writes them keeps them under a temporary
+    // name until this returns. Raises 57 with the cause.
+    void readContent(platform::File& file, const CopyHeader& header, const ContentSink& sink);
+    // Both.
     CopyHeader read(platform::File& file, const ContentSink& sink);
 
     // A copy that is stored as it is: gives its content and raises 57 where size or checksum

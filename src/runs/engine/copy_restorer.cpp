@@ -114,13 +114,13 @@ private:
 
 CopyRestorer::CopyRestorer(std::atomic<std::uint64_t>& serial) : m_serial(serial) {}
 
-// Reads a copy and makes sure that it is the one that its place and name say.
-CopyHeader CopyRestorer::readInto(platform::File& file, const std::string& sourceFolder,
-                                  const ChosenCopy& copy, const ContentSink& sink)
+// Reads a copy's header and makes sure that it is the one that its place and name say.
+CopyHeader CopyRestorer::checkedHeader(platform::File& file, const std::string& sourceFolder,
+                                       const ChosenCopy& copy)
 {
-    CopyHeader header = m_reader.read(file, sink);
+    CopyHeader header = m_reader.readHeader(file);
     const bool isSettings = header.kind == ItemKind::Settings;
-    if (!isSettings && header.path != sourceFolder + std::string(copy.sourceName()))
+    if (!isSettings && header.path != sourceFolder + copy.sourceName())
         throw RuntimeError(base::error_number::kDeviceIo, {},
                            "it holds another file: " + header.path);
     if (header.version != static_cast<std::uint32_t>(copy.version))
@@ -149,17 +149,17 @@ RestoredCopy CopyRestorer::restore(platform::Folder& archive, const std::string&
         result.dress(header, copy.modifiedNs);
         return {result.keep(), copy.sizeBytes, {}};
     }
-    const CopyHeader first = m_reader.readHeader(*file);
-    if (first.kind == ItemKind::SymbolicLink) {
-        readInto(*file, sourceFolder, copy, [](std::span<const std::byte>) {});
-        return restoreLink(first, copy, target);
+    const CopyHeader header = checkedHeader(*file, sourceFolder, copy);
+    if (header.kind == ItemKind::SymbolicLink) {
+        m_reader.readContent(*file, header, [](std::span<const std::byte>) {});
+        return restoreLink(header, copy, target);
     }
-    if (first.kind != ItemKind::File)
+    if (header.kind != ItemKind::File)
         throw RuntimeError(base::error_number::kDeviceIo, {}, "it holds no file");
     TargetFile result(target, archive::temporaryName(m_serial++));
-    const CopyHeader header =
-        readInto(*file, sourceFolder, copy,
-                 [&](std::span<const std::byte> piece) { result.append(piece, first.sparse); });
+    m_reader.readContent(*file, header, [&](std::span<const std::byte> piece) {
+        result.append(piece, header.sparse);
+    });
     result.dress(header, copy.modifiedNs != 0 ? copy.modifiedNs : header.modifiedNs);
     return {result.keep(), header.sizeBytes, header.linkGroup};
 }
@@ -190,16 +190,20 @@ std::uint64_t CopyRestorer::check(platform::Folder& archive, const std::string& 
         m_reader.readPlain(*file, {copy.sizeBytes, copy.modifiedNs, 0, copy.contentHash}, nowhere);
         return copy.sizeBytes;
     }
-    return readInto(*file, sourceFolder, copy, nowhere).sizeBytes;
+    const CopyHeader header = checkedHeader(*file, sourceFolder, copy);
+    m_reader.readContent(*file, header, nowhere);
+    return header.sizeBytes;
 }
 
 void joinHardLinks(platform::FileSystem& files, const HardLinks& links)
 {
-    for (const auto& [group, names] : links) {
+    for (const auto& link : links) {
+        const auto& names = link.second;
         const auto first = files.openFolder(names.front().first);
         for (std::size_t i = 1; i < names.size(); ++i) {
             const auto folder = files.openFolder(names[i].first);
-            const std::string temporary = "~" + group.substr(group.find(':') + 1) + ".link";
+            const std::string temporary =
+                "~" + link.first.substr(link.first.find(':') + 1) + ".link";
             // A disk without hard links keeps the files apart, each with its whole content.
             base::PendingError ignored;
             if (ignored.attempt(

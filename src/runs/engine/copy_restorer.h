@@ -51,8 +51,8 @@ public:
 private:
     RestoredCopy restoreLink(const CopyHeader& header, const ChosenCopy& copy,
                              platform::Folder& target);
-    CopyHeader readInto(platform::File& file, const std::string& sourceFolder,
-                        const ChosenCopy& copy, const ContentSink& sink);
+    CopyHeader checkedHeader(platform::File& file, const std::string& sourceFolder,
+                             const ChosenCopy& copy);
 
     std::atomic<std::uint64_t>& m_serial;
     CopyReader m_reader;

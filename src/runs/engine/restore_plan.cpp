@@ -20,13 +20,15 @@ ChosenCopy chosen(const CopyRecord& copy)
 {
     ChosenCopy result;
     result.fileName = platform::leafOf(copy.archivePath);
-    result.nameBytes = static_cast<std::uint16_t>(platform::leafOf(copy.sourcePath).size());
     result.sizeBytes = copy.sizeBytes;
     result.modifiedNs = copy.modifiedNs;
     result.version = static_cast<std::int16_t>(copy.version);
     result.form = copy.form;
-    if (const auto name = archive::parseCopyName(result.fileName); name && name->meta)
-        result.contentHash = name->meta->contentHash;
+    if (const auto name = archive::parseCopyName(result.fileName)) {
+        result.nameBytes = static_cast<std::uint16_t>(name->sourceName.size());
+        if (name->meta)
+            result.contentHash = name->meta->contentHash;
+    }
     return result;
 }
 
@@ -188,7 +190,7 @@ private:
     void addCopy(ChosenFolder& folder, const CopyRecord& copy)
     {
         ChosenCopy next = chosen(copy);
-        const std::string key = folder.archivePath + std::string(next.sourceName());
+        const std::string key = folder.archivePath + next.sourceName();
         const auto [place, isNew] = m_targets.emplace(key, folder.copies.size());
         if (isNew) {
             folder.copies.push_back(std::move(next));

@@ -18,17 +18,21 @@
 // Turns the entries that a person chose into the copies to read, each target once.
 namespace vardelin::engine {
 
-// One copy to read. Its source's name is the beginning of its file name.
+// One copy to read. The source's name is kept as the beginning of the file name alone: a restore
+// may hold a million of these.
 struct ChosenCopy {
     std::uint64_t sizeBytes = 0;
     std::int64_t modifiedNs = 0; // of the source, as the name or else the header tells
     std::string fileName;        // in the archive
-    std::uint16_t nameBytes = 0; // length of the source's name
+    std::uint16_t nameBytes = 0; // what it has of the source's name
     std::int16_t version = 0;
     archive::Form form = archive::Form::Compressed;
     std::optional<archive::ContentHash> contentHash; // of a copy that is stored as it is
 
-    std::string_view sourceName() const { return std::string_view(fileName).substr(0, nameBytes); }
+    std::string sourceName() const
+    {
+        return archive::sourceNameOf(std::string_view(fileName).substr(0, nameBytes));
+    }
 };
 
 struct ChosenFolder {

@@ -192,17 +192,13 @@ private:
                     ++m_report.filesRestored;
                     m_report.bytesRestored += done.bytes;
                     if (!done.linkGroup.empty())
-                        links[done.linkGroup].push_back(
-                            {targetPath, std::string(copy.sourceName())});
+                        links[done.linkGroup].push_back({targetPath, copy.sourceName()});
                 }
-                committer.add({targetPath,
-                               std::move(done.temporaryName),
-                               std::string(copy.sourceName()),
-                               {}});
+                committer.add({targetPath, std::move(done.temporaryName), copy.sourceName(), {}});
             } catch (const TargetError& error) {
                 if (error.number() == base::error_number::kDiskFull)
                     throw;
-                fail(place.sourcePath + std::string(copy.sourceName()), error);
+                fail(place.sourcePath + copy.sourceName(), error);
             } catch (const RuntimeError& error) {
                 lose(place, copy, error.reason().empty() ? error.what() : error.reason());
             }
@@ -215,7 +211,7 @@ private:
         if (batch.count == 0)
             fail(place.sourcePath, error);
         for (std::size_t i = batch.first; i < batch.first + batch.count; ++i)
-            fail(place.sourcePath + std::string(place.copies[i].sourceName()), error);
+            fail(place.sourcePath + place.copies[i].sourceName(), error);
     }
 
     void fail(std::string path, const RuntimeError& error)
@@ -231,8 +227,7 @@ private:
     void lose(const ChosenFolder& place, const ChosenCopy& copy, std::string reason)
     {
         const std::lock_guard lock(m_mutex);
-        m_report.lost.push_back(
-            {place.sourcePath + std::string(copy.sourceName()), std::move(reason)});
+        m_report.lost.push_back({place.sourcePath + copy.sourceName(), std::move(reason)});
     }
 
     void restoreGroup(const std::string& group, RestorePlan& settings)
