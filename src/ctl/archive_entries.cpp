@@ -5,6 +5,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "ctl/paths.h"
+#include "platform/name_mapping.h"
 #include "runs/engine/engine.h"
 #include "state/name_tables.h"
 
@@ -49,7 +50,9 @@ std::optional<std::string> entryInFolder(const Session& session, std::string_vie
             continue;
         if (*entry == path)
             return entry;
-        if (copy->sourceName == leaf && copy->version > newestVersion) {
+        // A dot or blank is another character at a name's end than in front of a mark.
+        const std::string source = platform::nameFromDisk(platform::nameToDisk(copy->sourceName));
+        if (source == leaf && copy->version > newestVersion) {
             newestVersion = copy->version;
             newest = std::move(entry);
         }
@@ -86,7 +89,7 @@ std::string resolveEntry(const Session& session, std::string_view root, std::str
     if (auto group = settingsGroup(typed))
         return *group;
     const std::string_view text = withoutHeading(typed, archive::kFilesGroup);
-    const std::string path = session.typedPath(text);
+    std::string path = session.typedPath(text);
     if (endsInSeparator(text) || platform::isDriveRoot(path))
         return path.ends_with('\\') ? path : path + '\\';
     if (auto entry = entryInFolder(session, root, path))

@@ -81,8 +81,9 @@ TEST(MainJob, FindsDamageInTheArchive)
 TEST(MainJob, SavesNamesOfAllBytes)
 {
     const World world;
-    for (const char* name : {"back\\slash", "colon: *?", "\"<>|", "new\nline", " in front", "-rf",
-                             "caf\xC3\xA9", "not utf8 \xE9", "carefully full", "x_Ver1_y", "[x]"})
+    for (const char* name :
+         {"back\\slash", "colon: *?", "\"<>|", "new\nline", " in front", "behind ", "dot.", "-rf",
+          "caf\xC3\xA9", "not utf8 \xE9", "carefully full", "x_Ver1_y", "[x]"})
         world.write(std::string("sources/") + name, name);
     const Ran ran = world.run({"backup", "Home"});
     EXPECT_EQ(ran.code, 0) << ran.out << ran.err;
@@ -94,6 +95,8 @@ TEST(MainJob, SavesNamesOfAllBytes)
     ASSERT_EQ(world.run({"restore", "Home", "sources/not utf8 \xE9", "--to", "one"}).code, 0);
     EXPECT_EQ(TempFolder::read(world.folder / "one/C" + world.sources + "/not utf8 \xE9"),
               "not utf8 \xE9");
+    ASSERT_EQ(world.run({"restore", "Home", "sources/dot.", "--to", "one"}).code, 0);
+    EXPECT_EQ(TempFolder::read(world.folder / "one/C" + world.sources + "/dot."), "dot.");
     const Ran objects = world.run({"--json", "list", "Home", "*utf8*"});
     EXPECT_NE(objects.out.find("pathBytes"), std::string::npos);
 }
