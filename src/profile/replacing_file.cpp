@@ -19,8 +19,12 @@ ReplacingFile::ReplacingFile(platform::FileSystem& fileSystem, std::string_view 
 
 ReplacingFile::~ReplacingFile()
 {
-    if (m_file)
+    if (!m_file)
+        return;
+    try {
         discard();
+    } catch (...) { // NOLINT(bugprone-empty-catch): a temporary that stays harms nobody
+    }
 }
 
 void ReplacingFile::discard()

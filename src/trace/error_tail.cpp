@@ -74,8 +74,12 @@ TraceScope::TraceScope(RunTrace& trace, std::string_view name)
 
 TraceScope::~TraceScope()
 {
-    if (std::uncaught_exceptions() == m_exceptions)
+    if (std::uncaught_exceptions() != m_exceptions)
+        return;
+    try {
         m_trace.WriteRunTrace(m_name, "End", true);
+    } catch (...) { // NOLINT(bugprone-empty-catch): a trace never stops the procedure it follows
+    }
 }
 
 void errorTail(TraceContext& context, const TailNames& names, const base::PendingError& error)
