@@ -3,7 +3,6 @@
 #include "base/runtime_error.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 #include <xxhash.h>
@@ -166,15 +165,6 @@ void takeField(Cursor& cursor, CopyHeader& header)
 }
 
 } // namespace
-
-archive::ContentHash hashOf(std::span<const std::byte> bytes)
-{
-    XXH128_canonical_t canonical;
-    XXH128_canonicalFromHash(&canonical, XXH3_128bits(bytes.data(), bytes.size()));
-    archive::ContentHash hash{};
-    std::memcpy(hash.data(), canonical.digest, hash.size());
-    return hash;
-}
 
 std::uint64_t packedHashOf(std::span<const std::byte> bytes)
 {

@@ -2,6 +2,7 @@
 
 #include "archive/entry_names.h"
 #include "platform/file_system.h"
+#include "runs/engine/content_hash.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -72,7 +73,6 @@ struct BodyFrame {
 std::string encodeIndex(const std::vector<BodyFrame>& frames);
 std::vector<BodyFrame> decodeIndex(std::span<const std::byte> frame); // raises 57 likewise
 
-archive::ContentHash hashOf(std::span<const std::byte> bytes);
 // Of packed bytes. A decoder passes over some flipped bits; this tells every one.
 std::uint64_t packedHashOf(std::span<const std::byte> bytes);
 

@@ -4,7 +4,6 @@
 #include "runs/engine/copy_writer.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -27,7 +26,7 @@ constexpr std::size_t kBlockBytes = 256 * 1024;
 } // namespace
 
 struct CopyReader::State {
-    State() : decoder(ZSTD_createDCtx()), hash(XXH3_createState()), packed(XXH3_createState())
+    State() : decoder(ZSTD_createDCtx()), packed(XXH3_createState())
     {
         in.resize(kBlockBytes);
         out.resize(ZSTD_DStreamOutSize() * 4);
@@ -35,7 +34,6 @@ struct CopyReader::State {
     ~State()
     {
         ZSTD_freeDCtx(decoder);
-        XXH3_freeState(hash);
         XXH3_freeState(packed);
     }
     State(const State&) = delete;
@@ -99,17 +97,8 @@ struct CopyReader::State {
             damaged("its content does not match its index");
     }
 
-    archive::ContentHash digest() const
-    {
-        XXH128_canonical_t canonical;
-        XXH128_canonicalFromHash(&canonical, XXH3_128bits_digest(hash));
-        archive::ContentHash result{};
-        std::memcpy(result.data(), canonical.digest, result.size());
-        return result;
-    }
-
     ZSTD_DCtx* decoder;
-    XXH3_state_t* hash;   // of the content
+    ContentHasher hash;   // of the content
     XXH3_state_t* packed; // of the frame that is being read
     std::vector<std::uint64_t> packedHashes;
     std::vector<std::byte> in;
@@ -146,7 +135,7 @@ void CopyReader::readContent(platform::File& file, const CopyHeader& header,
     }
 
     ZSTD_DCtx_reset(state.decoder, ZSTD_reset_session_only);
-    XXH3_128bits_reset(state.hash);
+    state.hash.reset();
     XXH3_64bits_reset(state.packed);
     std::uint64_t fileOffset = state.have; // where the next block comes from
     std::uint64_t bodyLeft = header.bodyBytes;
@@ -183,7 +172,7 @@ void CopyReader::readContent(platform::File& file, const CopyHeader& header,
             if (produced > header.sizeBytes)
                 damaged("its content is longer than its header says");
             const auto piece = std::span<const std::byte>(state.out).first(output.pos);
-            XXH3_128bits_update(state.hash, piece.data(), piece.size());
+            state.hash.add(piece);
             if (!piece.empty())
                 sink(piece);
         }
@@ -194,7 +183,7 @@ void CopyReader::readContent(platform::File& file, const CopyHeader& header,
         damaged("its content is cut off");
     if (produced != header.sizeBytes)
         damaged("its content is shorter than its header says");
-    if (state.digest() != header.contentHash)
+    if (state.hash.result() != header.contentHash)
         damaged("its content does not match its checksum");
     state.checkFrames(file, header);
 }
@@ -203,7 +192,7 @@ void CopyReader::readPlain(platform::File& file, const archive::CopyMeta& expect
                            const ContentSink& sink)
 {
     State& state = *m_state;
-    XXH3_128bits_reset(state.hash);
+    state.hash.reset();
     std::uint64_t at = 0;
     for (;;) {
         const std::size_t n = State::fill(file, at, std::span(state.in).first(kBlockBytes));
@@ -213,12 +202,12 @@ void CopyReader::readPlain(platform::File& file, const archive::CopyMeta& expect
         if (at > expected.sizeBytes)
             damaged("its content is longer than its name says");
         const auto piece = std::span<const std::byte>(state.in).first(n);
-        XXH3_128bits_update(state.hash, piece.data(), piece.size());
+        state.hash.add(piece);
         sink(piece);
     }
     if (at != expected.sizeBytes)
         damaged("its content is shorter than its name says");
-    if (!expected.contentHash || state.digest() != *expected.contentHash)
+    if (!expected.contentHash || state.hash.result() != *expected.contentHash)
         damaged("its content does not match its checksum");
 }
 

@@ -8,7 +8,6 @@
 #include <string>
 #include <unordered_map>
 
-#include <xxhash.h>
 #include <zstd.h>
 
 namespace vardelin::engine {
@@ -95,31 +94,6 @@ private:
 
     const EarlierBody* m_earlier;
     std::unordered_map<archive::ContentHash, Place, HashKey> m_offsets;
-};
-
-class StreamHash {
-public:
-    StreamHash() : m_state(XXH3_createState()) { XXH3_128bits_reset(m_state); }
-    ~StreamHash() { XXH3_freeState(m_state); }
-    StreamHash(const StreamHash&) = delete;
-    StreamHash& operator=(const StreamHash&) = delete;
-
-    void add(std::span<const std::byte> bytes)
-    {
-        XXH3_128bits_update(m_state, bytes.data(), bytes.size());
-    }
-
-    archive::ContentHash result() const
-    {
-        XXH128_canonical_t canonical;
-        XXH128_canonicalFromHash(&canonical, XXH3_128bits_digest(m_state));
-        archive::ContentHash hash{};
-        std::memcpy(hash.data(), canonical.digest, hash.size());
-        return hash;
-    }
-
-private:
-    XXH3_state_t* m_state;
 };
 
 // Walks a file's stretches of data so that large holes can be told from data.
@@ -239,7 +213,7 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
     State& state = *m_state;
     HoleFinder holes(source, onSource([&] { return source.info(); }));
     const FrameMap earlierFrames(earlier);
-    StreamHash wholeHash;
+    ContentHasher wholeHash;
     std::vector<BodyFrame> frames;
     header.sizeBytes = 0;
     header.bodyBytes = 0;
@@ -327,7 +301,7 @@ bool CopyWriter::copyPlain(CopyHeader& header, platform::File& source, platform:
 {
     State& state = *m_state;
     HoleFinder holes(source, onSource([&] { return source.info(); }));
-    StreamHash wholeHash;
+    ContentHasher wholeHash;
     state.raw.resize(std::max(state.raw.size(), kPlainBlock));
     const auto block = std::span(state.raw).first(kPlainBlock);
     std::uint64_t at = 0;
