@@ -56,5 +56,5 @@ function(vardelin_test NAME)
     target_compile_definitions(${NAME}_test PRIVATE
         VARDELIN_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data")
     target_link_libraries(${NAME}_test PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-    gtest_discover_tests(${NAME}_test DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    gtest_discover_tests(${NAME}_test DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES PROPERTIES TIMEOUT 300)
 endfunction()

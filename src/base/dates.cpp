@@ -152,8 +152,7 @@ std::optional<Date> parseDate(std::string_view text)
     const auto year = smallNumber(pieces[2]);
     if (!first || !second || !year)
         return std::nullopt;
-    const Date date =
-        *second > 12 ? Date{*year, *first, *second} : Date{*year, *second, *first};
+    const Date date = *second > 12 ? Date{*year, *first, *second} : Date{*year, *second, *first};
     return isValid(date) ? std::optional(date) : std::nullopt;
 }
 

@@ -43,14 +43,14 @@ int weekday(const Date& date);
 // Within the day: past midnight it starts again at 0:00:00.
 TimeOfDay addMinutes(const TimeOfDay& time, int minutes);
 
-std::string dayMonthYear(const Date& date);   // 3/7/2003: D/M/YYYY, no leading zeros
-std::string monthDayYear(const Date& date);   // 07/03/2003: MM/DD/YYYY
-std::string dayMonthYear2(const Date& date);  // 03/07/2003: DD/MM/YYYY
-std::string traceDate(const Date& date);      // 07-03-2003: MM-DD-YYYY
-std::string isoDate(const Date& date);        // 2003-07-03
-std::string clockTime(const TimeOfDay& time); // 09:05:03, 24 hours
-std::string timeText(const TimeOfDay& time);  // 9:05:03 AM, the default text form of a time
-std::string timeText2(const TimeOfDay& time); // 09:05:03 AM, the form "HH:MM:SS AMPM"
+std::string dayMonthYear(const Date& date);     // 3/7/2003: D/M/YYYY, no leading zeros
+std::string monthDayYear(const Date& date);     // 07/03/2003: MM/DD/YYYY
+std::string dayMonthYear2(const Date& date);    // 03/07/2003: DD/MM/YYYY
+std::string traceDate(const Date& date);        // 07-03-2003: MM-DD-YYYY
+std::string isoDate(const Date& date);          // 2003-07-03
+std::string clockTime(const TimeOfDay& time);   // 09:05:03, 24 hours
+std::string timeText(const TimeOfDay& time);    // 9:05:03 AM, the default text form of a time
+std::string timeText2(const TimeOfDay& time);   // 09:05:03 AM, the form "HH:MM:SS AMPM"
 std::string isoDateTime(const DateTime& value); // 2003-07-03 09:05:03
 
 // A date written with slashes or dashes, year last and four digits. The first number is the day and

@@ -6,8 +6,8 @@
 
 namespace vardelin::base {
 
-// The classic run-time error numbers. They are shown to the person in the error dialog and tested by
-// number in the procedures that resume after an error, so they never change.
+// The classic run-time error numbers. They are shown to the person in the error dialog and tested
+// by number in the procedures that resume after an error, so they never change.
 namespace error_number {
 inline constexpr int kInvalidCall = 5;
 inline constexpr int kOverflow = 6;

@@ -45,7 +45,8 @@ int compareNumbers(std::string_view a, std::string_view b)
 
 bool matchesFrom(std::string_view name, std::string_view pattern)
 {
-    // The usual two-cursor walk: on a mismatch go back to the last star and let it take one more byte.
+    // The usual two-cursor walk: on a mismatch go back to the last star and let it take one more
+    // byte.
     std::size_t n = 0;
     std::size_t p = 0;
     std::size_t star = std::string_view::npos;
@@ -305,8 +306,7 @@ bool matchesPattern(std::string_view name, std::string_view pattern)
 {
     if (matchesFrom(name, pattern))
         return true;
-    const bool anyExtension =
-        pattern.size() >= 2 && pattern.substr(pattern.size() - 2) == ".*";
+    const bool anyExtension = pattern.size() >= 2 && pattern.substr(pattern.size() - 2) == ".*";
     return anyExtension && name.find('.') == std::string_view::npos &&
            matchesFrom(name, pattern.substr(0, pattern.size() - 2));
 }

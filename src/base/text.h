@@ -57,12 +57,13 @@ std::string numberText(double value);
 // Decimal digits only, no sign, no blanks; false leaves `out` as it was. Overflow is false, too.
 bool parseUnsigned(std::string_view text, std::uint64_t& out);
 
-// "The folder's order": ASCII case is ignored and runs of digits compare as numbers, so that `_Ver1_`
-// stands before `_Ver12_`. A strict weak order; texts that compare equal fall back to their bytes.
+// "The folder's order": ASCII case is ignored and runs of digits compare as numbers, so that
+// `_Ver1_` stands before `_Ver12_`. A strict weak order; texts that compare equal fall back to
+// their bytes.
 bool naturalLess(std::string_view a, std::string_view b);
 
-// Whether `name` matches `pattern`, where `*` stands for any run of bytes, none included. ASCII case
-// is ignored. A trailing `.*` also matches a name without a dot.
+// Whether `name` matches `pattern`, where `*` stands for any run of bytes, none included. ASCII
+// case is ignored. A trailing `.*` also matches a name without a dot.
 bool matchesPattern(std::string_view name, std::string_view pattern);
 
 } // namespace vardelin::base

@@ -6,7 +6,15 @@
 namespace vardelin::platform {
 
 // The numbers that drive types have always had; they are shown and tested by number.
-enum class DriveType : int { Unknown = 0, NoRoot = 1, Removable = 2, Fixed = 3, Remote = 4, Optical = 5, Memory = 6 };
+enum class DriveType : int {
+    Unknown = 0,
+    NoRoot = 1,
+    Removable = 2,
+    Fixed = 3,
+    Remote = 4,
+    Optical = 5,
+    Memory = 6
+};
 
 struct Drive {
     char letter = 'C';
@@ -16,7 +24,8 @@ struct Drive {
     std::string nativeRoot;  // where it is mounted, in the machine's own form
 };
 
-// The drives that a person sees, by letter. A letter stays with its mount from one start to the next.
+// The drives that a person sees, by letter. A letter stays with its mount from one start to the
+// next.
 class Drives {
 public:
     Drives() = default;

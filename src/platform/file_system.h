@@ -14,14 +14,14 @@
 // Paths are absolute (`C:\dir\name`); `C:\` is a drive's root; a backslash at the end of a folder's
 // path makes no difference. Names hold no backslash and none of `/ : * ? " < > |` or bytes 1 to 31:
 // an implementation whose disk can hold such names maps them to and fro so that every name on the
-// disk makes the round trip (platform/name_mapping.h). Names go through unchanged otherwise, whatever
-// their bytes.
+// disk makes the round trip (platform/name_mapping.h). Names go through unchanged otherwise,
+// whatever their bytes.
 //
 // Errors are RuntimeError with the path as subject and the system's reason: 53 for a missing file,
-// 76 for a missing folder on the way, 70 for missing rights, a read-only file system or a held lock,
-// 58 for a name that exists, 61 for a full disk, 75 for a file where a folder is needed, a folder
-// where a file is needed, a folder that is not empty, a name too long or another path fault, 57 for
-// all else that the device reports.
+// 76 for a missing folder on the way, 70 for missing rights, a read-only file system or a held
+// lock, 58 for a name that exists, 61 for a full disk, 75 for a file where a folder is needed, a
+// folder where a file is needed, a folder that is not empty, a name too long or another path fault,
+// 57 for all else that the device reports.
 //
 // A FileSystem may be used by several threads at once; a Folder and a File by one thread at a time.
 namespace vardelin::platform {
@@ -81,7 +81,8 @@ enum class Links : std::uint8_t {
     Refuse, // 70 where the last component is a symbolic link
 };
 
-// An open file; closed by the destructor without a word. Call close() where a failing close matters.
+// An open file; closed by the destructor without a word. Call close() where a failing close
+// matters.
 class File {
 public:
     File() = default;
@@ -112,8 +113,8 @@ public:
     virtual void close() = 0;
 };
 
-// An open folder. Everything is done by the name of a direct child, never by a path, so that nothing
-// that is planted on the way (a symbolic link, a renamed parent) can lead elsewhere.
+// An open folder. Everything is done by the name of a direct child, never by a path, so that
+// nothing that is planted on the way (a symbolic link, a renamed parent) can lead elsewhere.
 class Folder {
 public:
     Folder() = default;
@@ -124,8 +125,8 @@ public:
     // The path it was opened by, without a backslash at the end unless it is a drive's root.
     virtual const std::string& path() const = 0;
 
-    // Without `.` and `..`, in no order. The kind costs nothing; the info costs a call an entry, and
-    // an entry that vanishes meanwhile is left out.
+    // Without `.` and `..`, in no order. The kind costs nothing; the info costs a call an entry,
+    // and an entry that vanishes meanwhile is left out.
     virtual std::vector<FolderEntry> list() = 0;
     virtual std::vector<FolderEntryInfo> listWithInfo() = 0;
 
@@ -192,7 +193,8 @@ public:
     FileSystem& operator=(const FileSystem&) = delete;
     virtual ~FileSystem() = default;
 
-    // Links on the way and at the end are followed. 76 where it does not exist, 75 where it is none.
+    // Links on the way and at the end are followed. 76 where it does not exist, 75 where it is
+    // none.
     virtual std::unique_ptr<Folder> openFolder(std::string_view path) = 0;
     // An advisory lock on the folder itself, for one holder among all processes; 70 when held.
     virtual std::unique_ptr<FolderLock> lockFolder(std::string_view path) = 0;

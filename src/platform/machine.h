@@ -66,9 +66,9 @@ public:
     MachineFacts& operator=(const MachineFacts&) = delete;
     virtual ~MachineFacts() = default;
 
-    virtual std::string userName() = 0;     // empty where the system does not say
+    virtual std::string userName() = 0; // empty where the system does not say
     virtual std::string computerName() = 0;
-    virtual bool isNtPlatform() = 0;        // true on every system of today
+    virtual bool isNtPlatform() = 0;          // true on every system of today
     virtual std::string executableName() = 0; // base name, no folder and no extension
     // The long form of a path, empty where it does not exist.
     virtual std::string longPathName(std::string_view path) = 0;
@@ -89,7 +89,8 @@ public:
     virtual std::vector<ProcessInfo> list() = 0;
     // Starts and does not wait. `X.exe` is started as `X` where programs have no ending. 53 where
     // there is no such program.
-    virtual std::int64_t start(std::string_view path, const std::vector<std::string>& arguments) = 0;
+    virtual std::int64_t start(std::string_view path,
+                               const std::vector<std::string>& arguments) = 0;
     virtual bool terminate(std::int64_t id) = 0;
     // Runs a program to its end and gives what it printed; 53 where there is none, 57 where it ends
     // with another code than 0.

@@ -19,8 +19,8 @@ namespace vardelin::platform {
 // reason: 70 where rights are missing or the store stays busy, 61 for a full disk, 57 for a damaged
 // file, a file that is no registry (neither is touched) and all else.
 //
-// For one thread at a time. A child of fork() that goes on as the same program makes an object of its
-// own, and is forked while no change is under way: SQLite counts its locks by process.
+// For one thread at a time. A child of fork() that goes on as the same program makes an object of
+// its own, and is forked while no change is under way: SQLite counts its locks by process.
 class SqliteRegistry final : public Registry {
 public:
     explicit SqliteRegistry(std::string nativePath);
