@@ -185,6 +185,21 @@ TEST(Restore, OfSeveralVersionsOfOneFileTheNewestRequestedEndsUpAtTheTarget)
     EXPECT_EQ(world.read("D:\\back\\C\\data\\report.doc"), "fifth");
 }
 
+TEST(Restore, AFolderAndAnOldVersionOfAFileInItGiveTheNewestOnce)
+{
+    World world;
+    threeVersions(world);
+    world.write("other.txt", "other");
+    world.backup();
+    for (const auto& entries : {std::vector<std::string>{kEntry + "_000", "C:\\data\\"},
+                                std::vector<std::string>{"C:\\data\\", kEntry + "_000"}}) {
+        const RestoreResult result = world.restore(entries, "D:\\back");
+        EXPECT_EQ(result.report.filesRestored, 2U);
+        EXPECT_EQ(world.read("D:\\back\\C\\data\\report.doc"), "seventh");
+        EXPECT_EQ(world.read("D:\\back\\C\\data\\other.txt"), "other");
+    }
+}
+
 TEST(Restore, AnEntryNeverStandsForALongerNumber)
 {
     World world;

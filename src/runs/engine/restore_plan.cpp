@@ -33,6 +33,8 @@ ChosenCopy chosen(const CopyRecord& copy)
 }
 
 class Planner {
+    using Targets = std::unordered_map<std::string, std::size_t>; // name to place in the folder
+
 public:
     Planner(const platform::Machine& machine, const ArchivePlace& place,
             std::optional<base::Date> asOf)
@@ -92,11 +94,12 @@ private:
             }
             any = any || !newest.empty();
             ChosenFolder& folder = folderFor(listing);
+            const bool wasEmpty = folder.copies.empty();
             folder.whole = true;
             for (const CopyRecord& copy : listing.copies) {
                 const auto hit = newest.find(copy.sourcePath);
                 if (hit != newest.end() && hit->second == &copy)
-                    addCopy(folder, copy);
+                    addCopy(folder, copy, wasEmpty);
             }
             return true;
         });
@@ -113,7 +116,7 @@ private:
             best = m_byDate ? newestForDate(*listing, entry) : exactCopy(entry);
         if (best != nullptr) {
             m_plan.anyMatched = true;
-            addCopy(folderFor(*listing), *best);
+            addCopy(folderFor(*listing), *best, false);
         } else if (!m_lateOnly) {
             m_plan.lost.push_back({entry, "the archive holds no such entry"});
         } else {
@@ -186,12 +189,20 @@ private:
         return m_plan.folders[place->second];
     }
 
-    // One target gets one copy: of several versions that were asked for, the newest.
-    void addCopy(ChosenFolder& folder, const CopyRecord& copy)
+    // One target gets one copy: of several versions that were asked for, the newest. `isUnique`
+    // says that the folder's other copies come from the same listing, so nothing needs to be looked
+    // up; a whole archive would otherwise be held twice.
+    void addCopy(ChosenFolder& folder, const CopyRecord& copy, bool isUnique)
     {
         ChosenCopy next = chosen(copy);
-        const std::string key = folder.archivePath + next.sourceName();
-        const auto [place, isNew] = m_targets.emplace(key, folder.copies.size());
+        if (isUnique) {
+            folder.copies.push_back(std::move(next));
+            return;
+        }
+        Targets& targets = m_targets[folder.archivePath];
+        for (std::size_t i = targets.size(); i < folder.copies.size(); ++i)
+            targets.emplace(folder.copies[i].sourceName(), i);
+        const auto [place, isNew] = targets.emplace(next.sourceName(), folder.copies.size());
         if (isNew) {
             folder.copies.push_back(std::move(next));
             return;
@@ -211,7 +222,7 @@ private:
     std::optional<FolderListing> m_listing;
     std::unordered_multimap<std::string_view, const CopyRecord*> m_byEntry;
     std::unordered_map<std::string, std::size_t> m_index;
-    std::unordered_map<std::string, std::size_t> m_targets;
+    std::unordered_map<std::string, Targets> m_targets; // by archive folder
 };
 
 void addListing(RestorePlan& plan, const FolderListing& listing)
