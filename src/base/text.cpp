@@ -222,15 +222,12 @@ double val(std::string_view text)
     for (const char c : text) {
         if (c == ' ')
             continue;
-        if ((c == '-' || c == '+') && digits.empty())
-            digits += c;
-        else if (isDigit(c))
-            digits += c;
-        else if (c == '.' && !dot) {
-            dot = true;
-            digits += c;
-        } else
+        const bool sign = (c == '-' || c == '+') && digits.empty();
+        const bool firstDot = c == '.' && !dot;
+        if (!sign && !firstDot && !isDigit(c))
             break;
+        dot = dot || firstDot;
+        digits += c;
     }
     std::string_view number = digits;
     if (!number.empty() && number.front() == '+')
@@ -259,7 +256,7 @@ std::string numberText(double value)
     if (value == std::floor(value) && std::fabs(value) < 1e15)
         return fmt::format("{}", static_cast<long long>(value));
     std::string text = fmt::format("{:.15f}", value);
-    const std::string shortest = fmt::format("{}", value);
+    std::string shortest = fmt::format("{}", value);
     if (shortest.find('e') == std::string::npos)
         return shortest;
     text.erase(text.find_last_not_of('0') + 1);

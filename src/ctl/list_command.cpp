@@ -100,6 +100,7 @@ int runList(Session& session, const ListCommand& command)
         table.add({"Source", "Version", "Size", "Stored", "Modified", "Saved"});
         // The full copy first, then the versions by number, whatever the folder's order is.
         std::vector<const CopyRecord*> order;
+        order.reserve(ofTable.size());
         for (const CopyRecord& copy : ofTable)
             order.push_back(&copy);
         std::stable_sort(order.begin(), order.end(), [](const auto* a, const auto* b) {

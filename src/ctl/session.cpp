@@ -76,7 +76,7 @@ std::string profileFileName(std::string_view name)
 std::string savedProfile(const Session& session, std::string_view name)
 {
     session.requireApplicationFolder();
-    const std::string fileName = profileFileName(name);
+    std::string fileName = profileFileName(name);
     if (session.files().fileExists(session.profilePath(fileName)))
         return fileName;
     for (const platform::FolderEntryInfo& entry : session.files().list(session.profilesFolder())) {

@@ -63,8 +63,8 @@ struct ScheduleRig : test::ProfileRig {
     std::vector<std::string> idleNames(const std::string& minutes)
     {
         std::vector<std::string> names;
-        for (const RegistryValue& value :
-             registry.values(kMachine, kVersion + "VdIdle\\" + minutes))
+        const std::string key = kVersion + "VdIdle\\" + minutes;
+        for (const RegistryValue& value : registry.values(kMachine, key))
             names.push_back(value.name);
         return names;
     }

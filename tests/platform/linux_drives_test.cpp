@@ -10,7 +10,6 @@
 namespace vardelin::platform {
 namespace {
 
-using testing::ElementsAre;
 
 constexpr std::string_view kMounts =
     "22 27 0:21 / /proc rw,relatime - proc proc rw\n"

@@ -34,7 +34,7 @@ public:
     // Makes the folders on the way.
     std::string write(std::string_view name, std::string_view bytes) const
     {
-        const std::string path = *this / name;
+        std::string path = *this / name;
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
         std::ofstream(path, std::ios::binary) << bytes;
         return path;

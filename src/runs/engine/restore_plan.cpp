@@ -12,8 +12,6 @@
 namespace vardelin::engine {
 namespace {
 
-using base::RuntimeError;
-
 constexpr std::size_t kTagBytes = 3;
 
 ChosenCopy chosen(const CopyRecord& copy)

@@ -287,7 +287,7 @@ private:
         record.fileCount = m_report.filesRestored;
         logs::appendRestoreRecord(m_files, m_appPath, record);
         if (m_firstFailed)
-            throw *m_firstFailed;
+            throw RuntimeError(*m_firstFailed);
     }
 
     const platform::Machine& m_machine;

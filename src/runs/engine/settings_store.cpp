@@ -148,7 +148,7 @@ std::vector<PlannedDump> planSettings(const platform::Machine& machine, const Ar
 
 std::string settingsGroupName(std::int8_t group)
 {
-    return std::string(kSettingsGroups[static_cast<std::size_t>(group)]);
+    return std::string(kSettingsGroups.at(static_cast<std::uint8_t>(group)));
 }
 
 std::string settingsFolder(std::string_view archiveRoot, std::string_view group)
