@@ -19,7 +19,6 @@ namespace vardelin::platform {
 namespace {
 
 using test::errorOf;
-using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
 class LinuxFileSystemTest : public testing::Test {
