@@ -14,7 +14,10 @@ constexpr std::size_t kWorthSharing = 1000; // renames below that are done befor
 
 } // namespace
 
-Committer::Committer(platform::FileSystem& files) : m_files(files) {}
+Committer::Committer(platform::FileSystem& files, std::size_t group)
+    : m_files(files), m_group(group)
+{
+}
 
 void Committer::add(PendingCopy copy)
 {
@@ -22,15 +25,25 @@ void Committer::add(PendingCopy copy)
     {
         const std::lock_guard lock(m_mutex);
         m_waiting.push_back(std::move(copy));
-        if (m_waiting.size() < kGroup)
+        if (m_waiting.size() < m_group)
             return;
         group.swap(m_waiting);
     }
-    commit(group);
+    // Beside the workers, who go on packing while the disk takes the group in; one at a time.
+    const std::lock_guard turn(m_turn);
+    if (m_running.valid())
+        m_running.get();
+    m_running =
+        std::async(std::launch::async, [this, copies = std::move(group)] { commit(copies); });
 }
 
 void Committer::finish()
 {
+    {
+        const std::lock_guard turn(m_turn);
+        if (m_running.valid())
+            m_running.get();
+    }
     std::vector<PendingCopy> group;
     {
         const std::lock_guard lock(m_mutex);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <future>
 #include <map>
 #include <mutex>
 #include <span>
@@ -25,10 +26,13 @@ struct PendingCopy {
 // cost 2 to 6 ms each.
 class Committer {
 public:
-    // The port must outlive this.
-    explicit Committer(platform::FileSystem& files);
+    static constexpr std::size_t kGroup = 20000;
 
-    // From any thread. Commits a group by itself when enough copies wait.
+    // The port must outlive this. `group` copies are flushed together.
+    explicit Committer(platform::FileSystem& files, std::size_t group = kGroup);
+
+    // From any thread. Begins to commit a group when enough copies wait; what that raises is raised
+    // by the next such call, or by finish().
     void add(PendingCopy copy);
     // Commits what is left and flushes the names. Raises what a flush or a rename raises.
     void finish();
@@ -38,12 +42,13 @@ private:
     void rename(std::span<const PendingCopy> group);
     void flush(const std::vector<PendingCopy>& group);
 
-    static constexpr std::size_t kGroup = 20000;
-
     platform::FileSystem& m_files;
-    std::mutex m_mutex; // guards all below
+    std::size_t m_group;
+    std::mutex m_mutex; // guards the two below
     std::vector<PendingCopy> m_waiting;
     std::map<std::uint64_t, std::string> m_touched; // a folder of each file system renamed in
+    std::mutex m_turn;                              // guards m_running
+    std::future<void> m_running;                    // last: it uses all above until it ends
 };
 
 } // namespace vardelin::engine

@@ -19,7 +19,6 @@ void EventQueue::fileBegins(std::string path)
 
 void EventQueue::advance(double units)
 {
-    const std::lock_guard lock(m_mutex);
     m_units += units;
 }
 
@@ -37,16 +36,16 @@ void EventQueue::pump(std::size_t workers, const std::function<void(const std::s
 {
     std::vector<std::string> files;
     for (;;) {
-        double units = 0;
         bool ended = false;
         {
             std::unique_lock lock(m_mutex);
             m_changed.wait_for(lock, kLook, [&] { return m_ended == workers; });
             files.swap(m_files);
-            std::swap(units, m_units);
             ended = m_ended == workers;
         }
-        m_changed.notify_all();
+        if (files.size() >= kMostWaiting)
+            m_changed.notify_all();
+        const double units = m_units.exchange(0);
         for (const std::string& file : files)
             onFile(file);
         files.clear();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
@@ -33,10 +34,10 @@ public:
 private:
     static constexpr std::size_t kMostWaiting = 256;
 
-    std::mutex m_mutex; // guards all below
+    std::atomic<double> m_units = 0; // told, and not yet handed on
+    std::mutex m_mutex;              // guards all below
     std::condition_variable m_changed;
     std::vector<std::string> m_files;
-    double m_units = 0;
     std::size_t m_ended = 0;
 };
 

@@ -127,8 +127,8 @@ SaveResult FileSaver::saveLink(const SaveTask& task)
 SaveResult FileSaver::saveSmall(const SaveTask& task, platform::File& source,
                                 const FileInfo& before, bool& changed)
 {
-    // One byte more than the size tells a file that grows.
-    const std::size_t room = static_cast<std::size_t>(before.sizeBytes) + 1;
+    // A file that grew meanwhile is told by its size afterwards.
+    const auto room = static_cast<std::size_t>(before.sizeBytes);
     if (m_content.size() < room)
         m_content.resize(room);
     std::size_t got = 0;

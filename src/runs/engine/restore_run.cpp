@@ -186,7 +186,9 @@ private:
         for (std::size_t i = batch.first; i < batch.first + batch.count && !m_stop; ++i) {
             const ChosenCopy& copy = place.copies[i];
             try {
-                RestoredCopy done = restorer.restore(*archive, place.sourcePath, copy, *target);
+                const RestoredCopy done =
+                    restorer.restore(*archive, place.sourcePath, copy, *target);
+                settle(*target, targetPath, copy.sourceName(), done.temporaryName, committer);
                 {
                     const std::lock_guard lock(m_mutex);
                     ++m_report.filesRestored;
@@ -194,7 +196,6 @@ private:
                     if (!done.linkGroup.empty())
                         links[done.linkGroup].push_back({targetPath, copy.sourceName()});
                 }
-                committer.add({targetPath, std::move(done.temporaryName), copy.sourceName(), {}});
             } catch (const TargetError& error) {
                 if (error.number() == base::error_number::kDiskFull)
                     throw;
@@ -203,6 +204,22 @@ private:
                 lose(place, copy, error.reason().empty() ? error.what() : error.reason());
             }
             events.advance(m_unit);
+        }
+    }
+
+    // A file that replaces another one waits until its data is on the disk, so that a power cut
+    // leaves the old one or the new one. A new name has nothing to lose that the archive does not
+    // still hold, and flushing a whole restore would take longer than writing it.
+    static void settle(Folder& target, const std::string& targetPath, const std::string& name,
+                       const std::string& temporaryName, Committer& committer)
+    {
+        try {
+            if (target.find(name))
+                committer.add({targetPath, temporaryName, name, {}});
+            else
+                target.rename(temporaryName, name);
+        } catch (const RuntimeError& error) {
+            throw TargetError(error.number(), error.subject(), error.reason());
         }
     }
 
