@@ -10,7 +10,6 @@
 namespace vardelin::platform {
 namespace {
 
-
 constexpr std::string_view kMounts =
     "22 27 0:21 / /proc rw,relatime - proc proc rw\n"
     "27 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw\n"
