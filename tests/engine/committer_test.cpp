@@ -47,6 +47,7 @@ TEST(Committer, GroupsOfManyThreadsAllComeToTheirNames)
     platform::MemoryFileSystem files;
     Committer committer(files, 1500);
     std::vector<PendingCopy> copies;
+    copies.reserve(8000);
     for (int i = 0; i < 8000; ++i)
         copies.push_back(pending(files, i));
     std::thread other([&] {
@@ -70,6 +71,7 @@ TEST(Committer, AFailedGroupIsRaisedAtTheLatestByFinish)
     platform::MemoryFileSystem files;
     Committer committer(files, 5);
     std::vector<PendingCopy> copies;
+    copies.reserve(5);
     for (int i = 0; i < 5; ++i)
         copies.push_back(pending(files, i));
     files.script().failCallsNamed("folder.flushFileSystem", base::error_number::kDeviceIo);

@@ -155,7 +155,7 @@ TEST(RegistryTextReading, NamesTheFirstLineThatMakesNoSense)
         {"\nregedit4\n", "line 2",
          "no registry text: it begins with neither \"REGEDIT4\" nor \"Windows Registry Editor "
          "Version 5.00\""},
-        {"\xFF\xFER\0E\0", "line 1", "the text is UTF-16; only bytes are read here"},
+        {"\xFF\xFER", "line 1", "the text is UTF-16; only bytes are read here"},
         {head + "[HKEY_LOCAL_MACHINE\\a\rb]", "line 4", "the name holds a NUL or a line end"},
         {head + std::string("\"a\0b\"=\"1\"", 9), "line 4", "the name holds a NUL or a line end"},
         {head + "rubbish", "line 4", "neither a section nor a value"},

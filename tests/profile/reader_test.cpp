@@ -16,7 +16,6 @@ using test::ProfileRig;
 using test::selectedOf;
 using test::textOf;
 using test::textsOf;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;

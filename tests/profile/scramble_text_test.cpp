@@ -8,7 +8,6 @@
 namespace vardelin::profile {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(ScrambleText, ShiftIsTheLastDigitOfTheLengthOrItsTenth)

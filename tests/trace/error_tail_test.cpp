@@ -33,6 +33,7 @@ TEST(ErrorForm, HasItsCaptionsAndLabels)
     EXPECT_EQ(form.cmdCancel.caption, "&Continue");
     EXPECT_EQ(form.cmdOk.caption, "&Exit");
     std::vector<std::string_view> labels;
+    labels.reserve(kErrorBoxes.size());
     for (const ErrorBox& box : kErrorBoxes)
         labels.push_back(box.label);
     EXPECT_THAT(labels,
