@@ -10,7 +10,7 @@ using namespace vardelin;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     platform::MemoryFileSystem files;
-    const std::string bytes = test::textOfInput(data, size);
+    const std::string_view bytes = test::textOfInput(data, size);
     const auto folder = files.openFolder("C:\\");
     folder->open("copy", platform::OpenMode::CreateNew)->write(platform::asBytes(bytes));
     const auto file = folder->open("copy", platform::OpenMode::Read);

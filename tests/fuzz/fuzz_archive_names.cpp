@@ -8,7 +8,7 @@ using namespace vardelin;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string name = test::textOfInput(data, size);
+    const std::string name(test::textOfInput(data, size));
     if (const auto copy = archive::parseCopyName(name)) {
         test::require(!copy->sourceName.empty(), "a copy has a source");
         if (copy->meta) {
