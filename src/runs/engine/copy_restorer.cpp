@@ -15,16 +15,6 @@ using platform::OpenMode;
 
 constexpr std::size_t kZeroBlock = 4096; // what a hole is made of on the usual file systems
 
-template <typename Step>
-auto onTarget(Step&& step)
-{
-    try {
-        return step();
-    } catch (const RuntimeError& error) {
-        throw TargetError(error.number(), error.subject(), error.reason());
-    }
-}
-
 bool isZero(std::span<const std::byte> bytes)
 {
     static constexpr std::array<std::byte, kZeroBlock> kZeros{};

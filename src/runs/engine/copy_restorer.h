@@ -21,6 +21,17 @@ public:
     using base::RuntimeError::RuntimeError;
 };
 
+// Runs one step on a target and turns its RuntimeError into a TargetError.
+template <typename Step>
+auto onTarget(Step&& step)
+{
+    try {
+        return step();
+    } catch (const base::RuntimeError& error) {
+        throw TargetError(error.number(), error.subject(), error.reason());
+    }
+}
+
 // A restored file under its temporary name in the target folder, whole and checked.
 struct RestoredCopy {
     std::string temporaryName;

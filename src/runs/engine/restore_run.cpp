@@ -213,14 +213,12 @@ private:
     static void settle(Folder& target, const std::string& targetPath, const std::string& name,
                        const std::string& temporaryName, Committer& committer)
     {
-        try {
+        onTarget([&] {
             if (target.find(name))
                 committer.add({targetPath, temporaryName, name, {}});
             else
                 target.rename(temporaryName, name);
-        } catch (const RuntimeError& error) {
-            throw TargetError(error.number(), error.subject(), error.reason());
-        }
+        });
     }
 
     void failAll(const ChosenFolder& place, const Batch& batch, const RuntimeError& error)
