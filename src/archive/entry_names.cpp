@@ -14,6 +14,9 @@ constexpr std::string_view kFullMark = "_FULL";
 constexpr std::string_view kVersionMark = "_Ver";
 constexpr std::string_view kFolderMark = "~folder_";
 constexpr std::size_t kTemporaryDigits = 16;
+constexpr std::size_t kHashDigits = 32;
+constexpr std::size_t kTagDigits = 12;
+constexpr std::size_t kMostSerialDigits = 8;
 
 std::string_view endingOf(Form form)
 {
@@ -43,6 +46,10 @@ std::string metaText(const CopyMeta& meta, Form form)
                     static_cast<std::uint64_t>(meta.savedNs));
     if (form == Form::Stored && meta.contentHash)
         text += "-" + hexOf(*meta.contentHash);
+    if (meta.passwordTag != 0)
+        text += fmt::format("-{:012x}", meta.passwordTag);
+    if (meta.serial != 0)
+        text += fmt::format("-{:x}", meta.serial);
     return text;
 }
 
@@ -75,14 +82,38 @@ bool takeDash(std::string_view& text)
 std::optional<ContentHash> parseHash(std::string_view text)
 {
     ContentHash hash{};
-    if (text.size() != 2 * hash.size())
-        return std::nullopt;
     for (std::size_t i = 0; i < hash.size(); ++i) {
         if (!isHexDigit(text[2 * i]) || !isHexDigit(text[2 * i + 1]))
             return std::nullopt;
         std::from_chars(text.data() + 2 * i, text.data() + 2 * i + 2, hash[i], 16);
     }
     return hash;
+}
+
+// One of the parts behind the first three. Each stands once and in its order.
+bool takeExtra(std::string_view part, CopyMeta& meta)
+{
+    if (part.size() == kHashDigits) {
+        if (meta.contentHash || meta.passwordTag != 0 || meta.serial != 0)
+            return false;
+        meta.contentHash = parseHash(part);
+        return meta.contentHash.has_value();
+    }
+    std::uint64_t value = 0;
+    const std::size_t digits = part.size();
+    const bool leadingZero = part.starts_with('0');
+    if (meta.serial != 0 || !takeHex(part, value) || !part.empty() || value == 0)
+        return false;
+    if (digits == kTagDigits) {
+        if (meta.passwordTag != 0)
+            return false;
+        meta.passwordTag = value;
+        return true;
+    }
+    if (digits > kMostSerialDigits || leadingZero)
+        return false;
+    meta.serial = static_cast<std::uint32_t>(value);
+    return true;
 }
 
 std::optional<CopyMeta> parseMeta(std::string_view text)
@@ -93,13 +124,16 @@ std::optional<CopyMeta> parseMeta(std::string_view text)
     if (!takeHex(text, size) || !takeDash(text) || !takeHex(text, modified) || !takeDash(text) ||
         !takeHex(text, saved))
         return std::nullopt;
-    CopyMeta meta{size, static_cast<std::int64_t>(modified), static_cast<std::int64_t>(saved), {}};
-    if (text.empty())
-        return meta;
-    if (!takeDash(text))
-        return std::nullopt;
-    meta.contentHash = parseHash(text);
-    return meta.contentHash ? std::optional(meta) : std::nullopt;
+    CopyMeta meta{size, static_cast<std::int64_t>(modified), static_cast<std::int64_t>(saved)};
+    while (!text.empty()) {
+        if (!takeDash(text))
+            return std::nullopt;
+        const std::string_view part = text.substr(0, text.find('-'));
+        text.remove_prefix(part.size());
+        if (!takeExtra(part, meta))
+            return std::nullopt;
+    }
+    return meta;
 }
 
 // `name` in front of `_Ver<n>` with n from 1 to 999 and no leading zero.
@@ -174,10 +208,14 @@ std::optional<CopyName> parseCopyName(std::string_view fileName)
     if (!named && text.size() > kFullMark.size() && text.ends_with(kFullMark)) {
         result.sourceName = text.substr(0, text.size() - kFullMark.size());
         result.version = 0;
-        return result;
+        return !result.meta || result.meta->serial == 0 ? std::optional(result) : std::nullopt;
     }
     if (!splitVersion(text, result) ||
         named != base::containsIgnoringCase(result.sourceName, "full"))
+        return std::nullopt;
+    // Renumbering only ever makes a number lower.
+    if (result.meta && result.meta->serial != 0 &&
+        result.meta->serial <= static_cast<std::uint32_t>(result.version))
         return std::nullopt;
     return result;
 }

@@ -15,15 +15,19 @@
 //   carefully.txt_Ver7_<meta>_FULL.zst  version 7 of a source whose own name holds "full"
 //
 // `.zst` is a compressed copy, `.vda` an encrypted one, and no ending a copy that is stored as it
-// is. <meta> is three or four hexadecimal numbers in lower case, joined by `-`: the source's size
-// in bytes, its modification time and the time of the run that saved it, both in nanoseconds since
-// 1970 UTC as 64-bit two's complement, and for copies stored as they are the 128-bit checksum of
-// the content (32 digits). Digits and `a` to `f` can spell neither mark. Where the whole name would
-// be longer than a file system allows, <meta> is empty and the file's own header tells the same.
+// is. <meta> is hexadecimal numbers in lower case, joined by `-`: the source's size in bytes, its
+// modification time and the time of the run that saved it, both in nanoseconds since 1970 UTC as
+// 64-bit two's complement. Behind them stand, told apart by their lengths and in this order, as far
+// as there are any: for copies stored as they are the 128-bit checksum of the content (32 digits),
+// the tag of the password that the copy was saved under (12 digits), and the copy's serial number
+// where renumbering gave it a lower version (1 to 8 digits). Digits and `a` to `f` can spell
+// neither mark. Where the whole name would be longer than a file system allows, <meta> is empty and
+// the file's own header tells the same.
 namespace vardelin::archive {
 
 inline constexpr std::size_t kLongestName = 255; // bytes, on every file system we know
 inline constexpr int kHighestVersion = 999;      // a version tag has three digits
+inline constexpr std::uint64_t kLargestPasswordTag = 0xffff'ffff'ffff;
 
 enum class Form : std::uint8_t { Compressed, Encrypted, Stored };
 
@@ -33,7 +37,12 @@ struct CopyMeta {
     std::uint64_t sizeBytes = 0;
     std::int64_t modifiedNs = 0;
     std::int64_t savedNs = 0;
-    std::optional<ContentHash> contentHash;
+    std::optional<ContentHash> contentHash = std::nullopt;
+    // Of the password that was in force: 48 bits that only tell one from another. 0 for none.
+    std::uint64_t passwordTag = 0;
+    // The number that the copy was saved under, which its header holds, where the version in its
+    // name is a lower one by now. 0: the version itself.
+    std::uint32_t serial = 0;
 
     friend bool operator==(const CopyMeta&, const CopyMeta&) = default;
 };

@@ -136,6 +136,35 @@ TEST(CopyName, MetaCanSpellNoMark)
     }
 }
 
+TEST(CopyName, HoldsPasswordTagAndSerialNumber)
+{
+    struct Row {
+        std::uint64_t tag;
+        std::uint32_t serial;
+        bool hashed;
+        const char* name;
+    };
+    const std::vector<Row> rows{
+        {0xa1b2c3d4e5f6, 0, false, "a_Ver3_1-2-3-a1b2c3d4e5f6.zst"},
+        {1, 0, false, "a_Ver3_1-2-3-000000000001.zst"},
+        {0, 1000, false, "a_Ver3_1-2-3-3e8.zst"},
+        {1, 0xffffffff, false, "a_Ver3_1-2-3-000000000001-ffffffff.zst"},
+        {0, 4, true, "a_Ver3_1-2-3-031425364758697a8b9cadbecfe0f102-4"},
+        {7, 4, true, "a_Ver3_1-2-3-031425364758697a8b9cadbecfe0f102-000000000007-4"},
+    };
+    for (const Row& row : rows) {
+        CopyMeta meta{1, 2, 3};
+        meta.passwordTag = row.tag;
+        meta.serial = row.serial;
+        if (row.hashed)
+            meta.contentHash = someHash();
+        EXPECT_EQ(copyName("a", 3, meta, row.hashed ? Form::Stored : Form::Compressed), row.name);
+        const auto back = parseCopyName(row.name);
+        ASSERT_TRUE(back) << row.name;
+        EXPECT_EQ(back->meta, meta) << row.name;
+    }
+}
+
 TEST(ParseCopyName, RefusesWhatThisProgramDidNotMake)
 {
     const std::vector<std::string> foreign{
@@ -149,6 +178,15 @@ TEST(ParseCopyName, RefusesWhatThisProgramDidNotMake)
         "a_FULL_1-2.zst",
         "a_FULL_1-2-3-4.zst",
         "a_FULL_1-2-X.zst",
+        // A full copy has no serial number, and a version's is above its number.
+        "a_Ver4_1-2-3-4.zst",
+        "a_Ver4_1-2-3-05.zst",
+        "a_Ver4_1-2-3-123456789.zst",
+        "a_Ver4_1-2-3-000000000000.zst",
+        "a_Ver4_1-2-3-5-000000000001.zst",
+        "a_Ver4_1-2-3-5-6.zst",
+        "a_Ver4_1-2-3-.zst",
+        "a_Ver4_1-2-3-000000000001-031425364758697a8b9cadbecfe0f102",
         "a_FULL_1-2-3",
         "a_Ver0_1-2-3.zst",
         "a_Ver01_1-2-3.zst",
