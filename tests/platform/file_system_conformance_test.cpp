@@ -56,7 +56,8 @@ INSTANTIATE_TEST_SUITE_P(
     Implementations, EveryFileSystem,
     testing::Values(Kind{"Linux", [] { return std::make_unique<test::LinuxWorld>(); }},
                     Kind{"Memory", [] { return std::make_unique<test::MemoryWorld>(); }},
-                    Kind{"Scripted", [] { return std::make_unique<test::ScriptedWorld>(); }}),
+                    Kind{"Scripted", [] { return std::make_unique<test::ScriptedWorld>(); }},
+                    Kind{"PowerCut", [] { return std::make_unique<test::PowerCutWorld>(); }}),
     [](const auto& one) { return one.param.name; });
 
 TEST_P(EveryFileSystem, ListsNamesAndKindsWithoutTheDots)

@@ -2,6 +2,7 @@
 
 #include "platform/linux/linux_file_system.h"
 #include "platform/memory/memory_file_system.h"
+#include "platform/memory/power_cut_file_system.h"
 #include "platform/memory/scripted_file_system.h"
 
 #include "base/runtime_error.h"
@@ -77,6 +78,23 @@ private:
     MemoryFileSystem m_memory;
     CallScript m_script;
     ScriptedFileSystem m_files{m_memory, m_script};
+};
+
+class PowerCutWorld final : public World {
+public:
+    PowerCutWorld() { m_files.settle(); }
+    FileSystem& fileSystem() override { return m_files; }
+
+private:
+    static MemoryTree& withDrives(MemoryTree& tree)
+    {
+        tree.addDrive('C');
+        tree.addDrive('T');
+        return tree;
+    }
+
+    MemoryTree m_tree{true};
+    PowerCutFileSystem m_files{withDrives(m_tree)};
 };
 
 // The number that the step raises; 0 where it raises nothing.

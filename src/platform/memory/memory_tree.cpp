@@ -52,6 +52,34 @@ private:
     MemoryNodePtr m_node;
 };
 
+using Copies = std::map<const MemoryNode*, MemoryNodePtr>; // a file with two names is copied once
+
+MemoryNodePtr copyOf(const MemoryNode& node, const std::shared_ptr<MemoryDisk>& disk,
+                     Copies& copies)
+{
+    MemoryNodePtr& copy = copies[&node];
+    if (copy != nullptr)
+        return copy;
+    copy = std::make_shared<MemoryNode>(disk);
+    copy->info = node.info;
+    copy->data = node.data;
+    copy->attributes = node.attributes;
+    copy->name = node.name;
+    copy->unreadable = node.unreadable;
+    copy->readOnly = node.readOnly;
+    copy->pseudo = node.pseudo;
+    if (node.info.kind == FileKind::Regular)
+        disk->usedBytes += node.data.size();
+    const MemoryNodePtr result = copy; // the reference does not outlive the next insertion
+    for (const auto& [key, child] : node.children) {
+        MemoryNodePtr below = copyOf(*child.node, disk, copies);
+        if (below->info.kind == FileKind::Folder)
+            below->parent = result.get();
+        result->children.emplace(key, MemoryChild{child.name, std::move(below)});
+    }
+    return result;
+}
+
 } // namespace
 
 MemoryNode::~MemoryNode()
@@ -139,6 +167,44 @@ void MemoryTree::setOwnerOfNew(std::uint32_t ownerId, std::uint32_t groupId)
     const auto held = lock();
     m_ownerId = ownerId;
     m_groupId = groupId;
+}
+
+void MemoryTree::copyFrom(const MemoryTree& other)
+{
+    const std::scoped_lock held(m_mutex, other.m_mutex);
+    std::map<char, MemoryNodePtr> roots;
+    Copies copies;
+    for (const auto& [letter, root] : other.m_roots) {
+        auto disk = std::make_shared<MemoryDisk>();
+        disk->device = root->disk->device;
+        disk->capacityBytes = root->disk->capacityBytes;
+        roots.emplace(letter, copyOf(*root, disk, copies));
+    }
+    m_roots = std::move(roots);
+    m_map = other.m_map;
+    m_nextInode = std::max(m_nextInode, other.m_nextInode);
+    m_nextDevice = std::max(m_nextDevice, other.m_nextDevice);
+    m_now = std::max(m_now, other.m_now);
+    m_tick = other.m_tick;
+    m_ownerId = other.m_ownerId;
+    m_groupId = other.m_groupId;
+}
+
+std::map<std::uint64_t, MemoryNodePtr> MemoryTree::nodes() const
+{
+    const auto held = lock();
+    std::map<std::uint64_t, MemoryNodePtr> result;
+    std::vector<MemoryNodePtr> waiting;
+    for (const auto& [letter, root] : m_roots)
+        waiting.push_back(root);
+    while (!waiting.empty()) {
+        const MemoryNodePtr node = std::move(waiting.back());
+        waiting.pop_back();
+        result.emplace(node->info.inode, node);
+        for (const auto& [key, child] : node->children)
+            waiting.push_back(child.node);
+    }
+    return result;
 }
 
 std::unique_ptr<Folder> MemoryTree::foldered(MemoryNodePtr node, std::string path)

@@ -57,6 +57,12 @@ public:
     std::int64_t now();
     void setOwnerOfNew(std::uint32_t ownerId, std::uint32_t groupId);
 
+    // Becomes a copy of another tree: drives, names, data, inodes and marks; no folder is locked.
+    // What is open keeps the nodes from before. Time and inode numbers never go back.
+    void copyFrom(const MemoryTree& other);
+    // Everything that has a name, by its inode.
+    std::map<std::uint64_t, MemoryNodePtr> nodes() const;
+
     std::unique_ptr<Folder> openFolder(std::string_view path) override;
     std::unique_ptr<FolderLock> lockFolder(std::string_view path) override;
     Space space(std::string_view path) override;
