@@ -185,15 +185,15 @@ std::uint64_t CopyRestorer::check(platform::Folder& archive, const std::string& 
     return header.sizeBytes;
 }
 
-void joinHardLinks(platform::FileSystem& files, const HardLinks& links)
+void joinHardLinks(platform::FileSystem& files, const HardLinks& links,
+                   std::atomic<std::uint64_t>& serial)
 {
     for (const auto& link : links) {
         const auto& names = link.second;
         const auto first = files.openFolder(names.front().first);
         for (std::size_t i = 1; i < names.size(); ++i) {
             const auto folder = files.openFolder(names[i].first);
-            const std::string temporary =
-                "~" + link.first.substr(link.first.find(':') + 1) + ".link";
+            const std::string temporary = archive::temporaryName(serial++);
             // A disk without hard links keeps the files apart, each with its whole content.
             base::PendingError ignored;
             if (ignored.attempt(

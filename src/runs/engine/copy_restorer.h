@@ -42,8 +42,9 @@ struct RestoredCopy {
 // The restored names of each group of hard links: folder path and name.
 using HardLinks = std::map<std::string, std::vector<std::pair<std::string, std::string>>>;
 
-// Makes the names of each group one file again.
-void joinHardLinks(platform::FileSystem& files, const HardLinks& links);
+// Makes the names of each group one file again. `serial` numbers temporary names.
+void joinHardLinks(platform::FileSystem& files, const HardLinks& links,
+                   std::atomic<std::uint64_t>& serial);
 
 // Reads single copies and writes them; one a worker thread.
 class CopyRestorer {

@@ -71,7 +71,7 @@ public:
         : m_machine(machine), m_files(machine.fileSystem), m_appPath(appPath), m_request(request),
           m_link(link), m_report(report), m_flags(flags), m_startNs(machine.clock.nowNs()),
           m_place(openPlace(machine, request.profileFolder + request.profileFileName)),
-          m_serial(static_cast<std::uint64_t>(m_startNs))
+          m_serial(TargetFolders::firstSerialOf(m_place.root))
     {
     }
 
@@ -117,7 +117,8 @@ private:
 
     void restoreFiles(RestorePlan& plan, const std::string& location)
     {
-        TargetFolders targets(m_files, location, m_place.profile.sources);
+        TargetFolders targets(m_files, location, m_place.profile.sources,
+                              TargetFolders::firstSerialOf(m_place.root));
         Committer committer(m_files);
         HardLinks links;
         const auto batches = batchesOf(plan);
@@ -155,7 +156,7 @@ private:
         }
         m_stop = false;
         committer.finish();
-        joinHardLinks(m_files, links);
+        joinHardLinks(m_files, links, m_serial);
         applyFolderRights(m_files, m_place.root, targets);
         if (m_failure)
             std::rethrow_exception(m_failure);

@@ -1,8 +1,10 @@
 #include "runs/engine/target_folders.h"
 
+#include "archive/entry_names.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "runs/engine/archive_folder.h"
+#include "runs/engine/archive_header.h"
 
 #include <utility>
 
@@ -10,9 +12,17 @@ namespace vardelin::engine {
 
 using base::RuntimeError;
 
+namespace {
+
+constexpr unsigned kCounterBits = 32; // the archive's number stands in the bits above
+constexpr std::size_t kOwnDigits = 9; // with the mark in front
+
+} // namespace
+
 TargetFolders::TargetFolders(platform::FileSystem& files, std::string location,
-                             std::vector<std::string> sources)
-    : m_files(files), m_location(std::move(location))
+                             std::vector<std::string> sources, std::uint64_t firstSerial)
+    : m_files(files), m_location(std::move(location)),
+      m_temporaries(archive::temporaryName(firstSerial).substr(0, kOwnDigits))
 {
     for (std::string& source : sources)
         m_sources.push_back(source.ends_with('\\') ? std::move(source)
@@ -73,7 +83,30 @@ std::unique_ptr<platform::Folder> TargetFolders::open(const std::string& sourceF
             m_made.insert(source);
         }
     }
+    clearOnce(*folder, sourceFolder);
     return folder;
+}
+
+// Before any worker writes to the folder: the others wait here meanwhile.
+void TargetFolders::clearOnce(platform::Folder& folder, const std::string& sourceFolder)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_made.contains(sourceFolder) || !m_cleared.insert(sourceFolder).second)
+        return;
+    // A folder that may be written and not listed keeps what it has.
+    base::PendingError ignored;
+    ignored.attempt([&] {
+        for (const platform::FolderEntry& entry : folder.list()) {
+            if (entry.name.starts_with(m_temporaries) && archive::isTemporaryName(entry.name) &&
+                entry.kind != platform::FileKind::Folder)
+                folder.removeFile(entry.name);
+        }
+    });
+}
+
+std::uint64_t TargetFolders::firstSerialOf(std::string_view archiveRoot)
+{
+    return packedHashOf(platform::asBytes(archiveRoot)) >> kCounterBits << kCounterBits;
 }
 
 std::vector<std::string> TargetFolders::made() const

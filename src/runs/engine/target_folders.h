@@ -2,6 +2,7 @@
 
 #include "platform/file_system.h"
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -20,8 +21,11 @@ public:
     // With a location everything goes below it, as `<location>\<letter>\<folders>`. Without one,
     // files go back to their places; links are then followed only in the part of a path that a
     // source line of the profile names, since the person chose that path with its links.
+    //
+    // `firstSerial` is where the run's temporary names begin, from firstSerialOf(): what an earlier
+    // restore from the same archive left when it died is taken out of each folder that this opens.
     TargetFolders(platform::FileSystem& files, std::string location,
-                  std::vector<std::string> sources);
+                  std::vector<std::string> sources, std::uint64_t firstSerial);
 
     // From any thread. `sourceFolder` is `C:\dir\`. Raises 70 where a link is in the way, and what
     // the port raises.
@@ -31,14 +35,22 @@ public:
     // Source folders whose targets this run made, parents first.
     std::vector<std::string> made() const;
 
+    // Temporary names of restores begin with a number of their archive's own. Since one run at a
+    // time holds an archive, such a name that a run finds belongs to a dead one and not to a
+    // restore from another archive that goes on beside it.
+    static std::uint64_t firstSerialOf(std::string_view archiveRoot);
+
 private:
     std::string baseOf(std::string_view sourceFolder) const;
+    void clearOnce(platform::Folder& folder, const std::string& sourceFolder);
 
     platform::FileSystem& m_files;
     std::string m_location;
     std::vector<std::string> m_sources; // folders that source lines name, each ends in a backslash
-    mutable std::mutex m_mutex;         // guards m_made
+    std::string m_temporaries;          // how the names of an earlier run's temporaries begin
+    mutable std::mutex m_mutex;         // guards the two below
     std::set<std::string> m_made;
+    std::set<std::string> m_cleared; // found there, and without temporaries of a dead run
 };
 
 } // namespace vardelin::engine
