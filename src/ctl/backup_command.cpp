@@ -1,6 +1,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "ctl/commands.h"
+#include "ctl/outcome_text.h"
 #include "ctl/progress.h"
 #include "ctl/text_forms.h"
 #include "runs/engine/engine.h"
@@ -13,48 +14,6 @@
 namespace vardelin::ctl {
 namespace {
 
-Json gapsOf(const std::vector<engine::Gap>& gaps)
-{
-    Json list = Json::array();
-    for (const engine::Gap& gap : gaps) {
-        Json item;
-        putText(item, "path", gap.path);
-        putText(item, "reason", gap.reason);
-        list.push_back(std::move(item));
-    }
-    return list;
-}
-
-std::string_view outcomeName(engine::Outcome outcome)
-{
-    switch (outcome) {
-    case engine::Outcome::Complete:
-        return "complete";
-    case engine::Outcome::CompleteWithGaps:
-        return "gaps";
-    case engine::Outcome::NothingToDo:
-        return "nothing";
-    case engine::Outcome::Cancelled:
-        return "cancelled";
-    }
-    return {};
-}
-
-int codeOf(const engine::BackupReport& report)
-{
-    switch (report.outcome) {
-    case engine::Outcome::Complete:
-        return kExitDone;
-    case engine::Outcome::CompleteWithGaps:
-        return kExitGaps;
-    case engine::Outcome::NothingToDo:
-        return report.missed.empty() ? kExitNothing : kExitGaps;
-    case engine::Outcome::Cancelled:
-        return kExitCancelled;
-    }
-    return kExitFailed;
-}
-
 std::string logPath(const Session& session, const std::string& fileName)
 {
     return session.appPath() + "\\Log\\Backup\\" + fileName.substr(0, fileName.size() - 4) + ".txt";
@@ -65,7 +24,7 @@ Json objectOf(const Session& session, const engine::BackupReport& report,
 {
     Json object{{"type", "backup"}};
     putText(object, "profile", fileName);
-    object["outcome"] = outcomeName(report.outcome);
+    putOutcome(object, report.outcome, report.failure);
     object["full"] = report.full;
     object["filesScanned"] = report.filesScanned;
     object["copiesWritten"] = report.copiesWritten;
@@ -89,18 +48,31 @@ void noteLine(const Session& session, std::string_view name, std::string_view te
     session.output.note(fmt::format("  {:<9}{}", name, visibleText(text)));
 }
 
+std::string_view headline(engine::Outcome outcome)
+{
+    switch (outcome) {
+    case engine::Outcome::Complete:
+        return "backup complete";
+    case engine::Outcome::CompleteWithGaps:
+        return "backup complete, with missed files";
+    case engine::Outcome::NothingToDo:
+        return "nothing is new or changed";
+    case engine::Outcome::Cancelled:
+        return "cancelled, what was saved stays";
+    case engine::Outcome::Failed:
+        return "failed, what was saved stays";
+    }
+    return {};
+}
+
 void summarize(const Session& session, const engine::BackupReport& report,
                const std::string& fileName, std::chrono::nanoseconds elapsed)
 {
     const std::string name = visibleText(fileName.substr(0, fileName.size() - 4));
     const bool nothing = report.outcome == engine::Outcome::NothingToDo;
-    session.output.note(fmt::format(
-        "{}: {} ({} in {})", name,
-        nothing                                        ? "nothing is new or changed"
-        : report.outcome == engine::Outcome::Cancelled ? "cancelled, what was saved stays"
-        : report.outcome == engine::Outcome::Complete  ? "backup complete"
-                                                       : "backup complete, with missed files",
-        countText(report.filesScanned, "file", "files"), durationText(elapsed)));
+    session.output.note(fmt::format("{}: {} ({} in {})", name, headline(report.outcome),
+                                    countText(report.filesScanned, "file", "files"),
+                                    durationText(elapsed)));
     if (report.copiesWritten > 0 || !nothing) {
         noteLine(session, "copies",
                  fmt::format("{} ({} full, {})", report.copiesWritten, report.fullCopies,
@@ -162,9 +134,8 @@ int dryRun(Session& session, const std::string& fileName)
     session.output.note(fmt::format("{} of {} would be saved, {} to read",
                                     countText(plan.copies.size(), "file", "files"),
                                     plan.filesScanned, sizeText(bytes)));
-    if (!plan.missed.empty())
-        return kExitGaps;
-    return plan.copies.empty() ? kExitNothing : kExitDone;
+    return exitCodeOf(
+        engine::outcomeOf({.gaps = !plan.missed.empty(), .anything = !plan.copies.empty()}));
 }
 
 } // namespace
@@ -188,15 +159,12 @@ int runBackup(Session& session, const BackupCommand& command)
     const engine::BackupReport& report = objBackUp.backupReport();
     for (const std::string& warning : report.warnings)
         session.output.warning(warning);
-    if (failure) {
-        if (report.copiesWritten > 0)
-            session.output.warning(fmt::format(
-                "{} saved until then", countText(report.copiesWritten, "copy was", "copies were")));
-        throw base::RuntimeError(*failure);
-    }
     session.output.object(objectOf(session, report, fileName));
-    summarize(session, report, fileName, progress.elapsed());
-    return codeOf(report);
+    if (!failure || report.copiesWritten > 0)
+        summarize(session, report, fileName, progress.elapsed());
+    if (failure)
+        throw base::RuntimeError(*failure);
+    return exitCodeOf(report.outcome);
 }
 
 } // namespace vardelin::ctl

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "ctl/archive_entries.h"
 #include "ctl/commands.h"
+#include "ctl/outcome_text.h"
 #include "ctl/progress.h"
 #include "ctl/text_forms.h"
 #include "runs/engine/engine.h"
@@ -132,28 +133,28 @@ int runVerify(Session& session, const VerifyCommand& command)
     const std::string fileName = savedProfile(session, command.name);
     const auto start = session.machine.clock.steady();
     engine::VerifyReport report;
+    std::optional<base::RuntimeError> failure;
     {
         ProgressLine line(session.terminal, session.machine.clock,
                           !session.output.json() && !session.output.quiet());
         std::uint64_t count = 0;
-        report =
-            engine::verifyArchive(session.machine, session.profilePath(fileName),
-                                  command.samplePercent, [&](std::string_view entry) {
-                                      ++count;
-                                      if (line.isDue())
-                                          line.draw(countText(count, "copy  ", "copies  "), entry);
-                                      return !session.terminal.interrupted();
-                                  });
+        try {
+            report = engine::verifyArchive(session.machine, session.profilePath(fileName),
+                                           command.samplePercent, [&](std::string_view entry) {
+                                               ++count;
+                                               if (line.isDue())
+                                                   line.draw(countText(count, "copy  ", "copies  "),
+                                                             entry);
+                                               return !session.terminal.interrupted();
+                                           });
+        } catch (const base::RuntimeError& error) {
+            failure = error;
+            report.failure = engine::failureOf(error);
+        }
     }
-    Json damaged = Json::array();
-    for (const engine::Gap& gap : report.damaged) {
+    for (const engine::Gap& gap : report.damaged)
         session.output.result(
             fmt::format("damaged  {}: {}\n", visibleText(gap.path), visibleText(gap.reason)));
-        Json item;
-        putText(item, "path", gap.path);
-        putText(item, "reason", gap.reason);
-        damaged.push_back(std::move(item));
-    }
     Json foreign = Json::array();
     for (const std::string& path : report.foreign) {
         session.output.note(fmt::format("foreign  {}", visibleText(session.shown(path))));
@@ -163,21 +164,21 @@ int runVerify(Session& session, const VerifyCommand& command)
     }
     Json object{{"type", "verify"}};
     putText(object, "profile", fileName);
+    putOutcome(object, report.outcome, report.failure);
     object["copiesChecked"] = report.copiesChecked;
     object["bytesChecked"] = report.bytesChecked;
-    object["damaged"] = std::move(damaged);
+    object["damaged"] = gapsOf(report.damaged);
     object["foreign"] = std::move(foreign);
-    object["cancelled"] = report.cancelled;
     session.output.object(object);
+    if (failure)
+        throw base::RuntimeError(*failure);
     session.output.note(fmt::format(
         "{}: {} checked, {}, {} damaged, {} ({})",
         visibleText(fileName.substr(0, fileName.size() - 4)),
         countText(report.copiesChecked, "copy", "copies"), sizeText(report.bytesChecked),
         report.damaged.size(), countText(report.foreign.size(), "foreign file", "foreign files"),
         durationText(session.machine.clock.steady() - start)));
-    if (report.cancelled)
-        return kExitCancelled;
-    return report.damaged.empty() ? kExitDone : kExitGaps;
+    return exitCodeOf(report.outcome);
 }
 
 int runReview(Session& session, const ReviewCommand& command)

@@ -2,6 +2,7 @@
 #include "base/runtime_error.h"
 #include "ctl/archive_entries.h"
 #include "ctl/commands.h"
+#include "ctl/outcome_text.h"
 #include "ctl/progress.h"
 #include "ctl/text_forms.h"
 #include "runs/engine/engine.h"
@@ -79,7 +80,7 @@ int dryRun(const Session& session, const Wanted& wanted, const std::string& prof
     }
     session.output.note(fmt::format("{} would be restored, {}",
                                     countText(count, "entry", "entries"), sizeText(bytes)));
-    return count == 0 ? kExitNothing : kExitDone;
+    return exitCodeOf(engine::outcomeOf({.anything = count > 0}));
 }
 
 void noteGaps(const Session& session, std::string_view name, const std::vector<engine::Gap>& gaps)
@@ -92,30 +93,6 @@ void noteGaps(const Session& session, std::string_view name, const std::vector<e
             fmt::format("    {}: {}", visibleText(gap.path), visibleText(gap.reason)));
 }
 
-Json gapsOf(const std::vector<engine::Gap>& gaps)
-{
-    Json list = Json::array();
-    for (const engine::Gap& gap : gaps) {
-        Json item;
-        putText(item, "path", gap.path);
-        putText(item, "reason", gap.reason);
-        list.push_back(std::move(item));
-    }
-    return list;
-}
-
-int codeOf(const engine::RestoreReport& report)
-{
-    if (report.outcome == engine::Outcome::Cancelled)
-        return kExitCancelled;
-    const bool gaps = !report.lost.empty() || !report.mismatched.empty() ||
-                      !report.failed.empty() || !report.notMatched.empty() ||
-                      report.outcome == engine::Outcome::CompleteWithGaps;
-    if (gaps)
-        return kExitGaps;
-    return report.outcome == engine::Outcome::NothingToDo ? kExitNothing : kExitDone;
-}
-
 void tell(const Session& session, const engine::RestoreReport& report, const Wanted& wanted,
           const std::string& fileName, std::chrono::nanoseconds elapsed)
 {
@@ -124,7 +101,7 @@ void tell(const Session& session, const engine::RestoreReport& report, const Wan
     const std::string to = wanted.location.empty() ? "" : session.shown(wanted.location);
     Json object{{"type", "restore"}};
     putText(object, "profile", fileName);
-    object["code"] = codeOf(report);
+    putOutcome(object, report.outcome, report.failure);
     object["filesRestored"] = report.filesRestored;
     object["bytesRestored"] = report.bytesRestored;
     putText(object, "to", to);
@@ -141,7 +118,9 @@ void tell(const Session& session, const engine::RestoreReport& report, const Wan
     object["settingsRestored"] = report.settingsRestored;
     putText(object, "log", log);
     session.output.object(object);
-
+    // The error that follows says it all where nothing was done before it.
+    if (report.failure && report.filesRestored == 0 && report.failed.empty())
+        return;
     session.output.note(fmt::format("{}: {} restored, {} in {}", visibleText(stem),
                                     countText(report.filesRestored, "file", "files"),
                                     sizeText(report.bytesRestored), durationText(elapsed)));
@@ -189,12 +168,10 @@ int runRestore(Session& session, const RestoreCommand& command)
     progress.clear();
     const engine::RestoreReport& report = objRestore.restoreReport();
     // A target that could not be written fails the run, yet the others are done: both are told.
-    if (failure && report.failed.empty())
-        throw RuntimeError(*failure);
     tell(session, report, wanted, fileName, progress.elapsed());
     if (failure)
         throw RuntimeError(*failure);
-    return codeOf(report);
+    return exitCodeOf(report.outcome);
 }
 
 } // namespace vardelin::ctl

@@ -9,7 +9,7 @@
 
 namespace vardelin::logs {
 
-// A file that a run could not save, and why.
+// A file that a run could not save, and why; or an archive root and the error that ended its run.
 struct MissedFile {
     std::string path; // in drive form
     std::string reason;

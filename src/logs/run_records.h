@@ -15,7 +15,8 @@
 //   Log\Restore\<stem>.txt   profile||path||date||files
 //   Queue\ChngFilesQueue.txt one absolute path a line
 //
-// Each line of a log is one run, each log file one profile, <stem> its name without the extension.
+// Each line of a log is one run that did something or was cancelled, with the counts of what it did
+// until it ended; each log file one profile, <stem> its name without the extension.
 // Type is "Full" or "Incremental", date YYYY-MM-DD HH:MM:SS in local time, the counts are decimal.
 // The last field of a backup line may be empty or missing. `||` and line ends are taken out of
 // names, since there is no escaping. Nothing locks: writers append whole lines in one write.

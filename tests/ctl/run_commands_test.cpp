@@ -70,6 +70,33 @@ TEST(RunCommands, EndWithTheCodeOfACancelledRun)
               130);
 }
 
+TEST(RunCommands, TellOneOutcomeByCodeAndObject)
+{
+    WithProfile rig;
+    const auto tell = [&](std::vector<std::string> arguments, int code, const char* outcome) {
+        arguments.insert(arguments.begin(), "--json");
+        EXPECT_EQ(rig.run(arguments), code) << arguments[1];
+        const std::string member =
+            std::string("\"outcome\":\"") + outcome + "\",\"code\":" + std::to_string(code);
+        EXPECT_NE(rig.out.str().find(member), std::string::npos) << rig.out.str();
+    };
+    tell({"backup", "Home"}, 0, "complete");
+    tell({"backup", "Home"}, 4, "nothing");
+    tell({"restore", "Home", "--all", "--to", "out"}, 0, "complete");
+    tell({"restore", "Home", "C:\\work\\none_000", "--to", "out"}, 1, "gaps");
+    tell({"verify", "Home"}, 0, "complete");
+    const auto lock = rig.world.fileSystem.lockFolder("D:\\backups\\Home");
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"backup", "Home"},
+                                                      {"restore", "Home", "--all", "--to", "out"},
+                                                      {"verify", "Home"}}) {
+        tell(arguments, 3, "failed");
+        EXPECT_NE(rig.out.str().find("\"failure\":{\"number\":70,\"subject\":\"D:\\\\backups"),
+                  std::string::npos)
+            << rig.out.str();
+        EXPECT_NE(rig.err.str().find("Permission denied"), std::string::npos);
+    }
+}
+
 TEST(RunCommands, LeaveOutWhatLaterVersionsBring)
 {
     WithProfile rig;

@@ -33,6 +33,7 @@ constexpr std::size_t kMostUnits = 30000; // the total crosses the interface as 
 constexpr std::size_t kBatchFiles = 64;
 constexpr std::uint64_t kBatchBytes = 8 * 1024 * 1024;
 constexpr std::chrono::milliseconds kScanTick{50};
+constexpr int kNotCounted = -1; // the version of a folder's record
 
 // Consecutive files of one folder that one worker takes together.
 struct Batch {
@@ -75,7 +76,22 @@ public:
         report.warnings = m_place.profile.problems;
     }
 
+    // Whatever ends the run early, what it saved until then is counted, logged and reported.
     void run()
+    {
+        try {
+            work();
+        } catch (const RuntimeError&) {
+            if (!m_failure)
+                m_failure = std::current_exception();
+        }
+        conclude();
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+    }
+
+private:
+    void work()
     {
         checkWritable(m_place);
         if (!m_files.folderExists(m_place.destination))
@@ -84,7 +100,8 @@ public:
         const bool isNewArchive = !m_files.folderExists(m_place.root);
         if (isNewArchive)
             m_files.createFolder(m_place.root);
-        const auto lock = m_files.lockFolder(m_place.root);
+        m_lock = m_files.lockFolder(m_place.root);
+        m_report.full = isNewArchive;
         clearAfterCrash();
 
         scan();
@@ -94,19 +111,20 @@ public:
             !m_plan.files.empty() || !m_plan.folderRecords.empty() || !m_dumps.empty();
         if (anything && !m_cancelled) {
             m_files.replaceFile(m_place.root + std::string(kRunMarker), {});
-            save();
+            try {
+                save();
+            } catch (const RuntimeError&) {
+                if (!m_failure)
+                    m_failure = std::current_exception();
+            }
             finish();
         }
-        conclude();
-        if (m_failure)
-            std::rethrow_exception(m_failure);
-        if (isNewArchive && m_report.outcome == Outcome::NothingToDo) {
+        if (isNewArchive && !anything) {
             base::PendingError ignored; // an empty folder left behind harms nobody
             ignored.attempt([&] { m_files.removeFolder(m_place.root); });
         }
     }
 
-private:
     void clearAfterCrash()
     {
         const std::string marker = m_place.root + std::string(kRunMarker);
@@ -273,13 +291,13 @@ private:
             return !m_stop;
         });
         if (auto* saved = std::get_if<Saved>(&result)) {
-            count(file, *saved);
-            PendingCopy copy{place.archivePath,
-                             std::move(saved->temporaryName),
-                             std::move(saved->finalName),
-                             {}};
-            if (file.group >= 0 && file.earlierName.length > 0)
-                copy.replaced.emplace_back(m_plan.text(file.earlierName));
+            PendingCopy copy = pending(place.archivePath, *saved);
+            copy.version = file.version;
+            if (file.group >= 0) {
+                copy.settingsGroup = settingsGroupName(file.group);
+                if (file.earlierName.length > 0)
+                    copy.replaced.emplace_back(m_plan.text(file.earlierName));
+            }
             m_committer.add(std::move(copy));
         } else if (const auto* renewed = std::get_if<Renewed>(&result)) {
             if (renewed->oldName != renewed->newName)
@@ -292,17 +310,33 @@ private:
         m_events.advance(m_unit);
     }
 
-    void count(const PlannedFile& file, const Saved& saved)
+    static PendingCopy pending(const std::string& archivePath, Saved& saved)
     {
+        PendingCopy copy;
+        copy.folderPath = archivePath;
+        copy.temporaryName = std::move(saved.temporaryName);
+        copy.finalName = std::move(saved.finalName);
+        copy.bytesRead = saved.bytesRead;
+        copy.bytesStored = saved.bytesStored;
+        return copy;
+    }
+
+    // Only what has its final name counts: a run that fails on the way claims nothing else.
+    void count(const PendingCopy& copy)
+    {
+        if (copy.version == kNotCounted)
+            return;
         const std::lock_guard lock(m_mutex);
-        m_report.bytesRead += saved.bytesRead;
-        m_report.bytesStored += saved.bytesStored;
-        if (file.group >= 0) {
-            settingsSaved(settingsGroupName(file.group));
+        m_report.bytesRead += copy.bytesRead;
+        m_report.bytesStored += copy.bytesStored;
+        if (!copy.settingsGroup.empty()) {
+            auto& saved = m_report.settingsSaved;
+            if (std::find(saved.begin(), saved.end(), copy.settingsGroup) == saved.end())
+                saved.push_back(copy.settingsGroup);
             return;
         }
         ++m_report.copiesWritten;
-        ++(file.version == 0 ? m_report.fullCopies : m_report.versions);
+        ++(copy.version == 0 ? m_report.fullCopies : m_report.versions);
     }
 
     void saveFolderRecords()
@@ -315,8 +349,10 @@ private:
                 const auto archive = openArchiveFolder(place.archivePath);
                 Saved saved =
                     saver.saveFolderRecord(*archive, place.sourcePath, record.meta, attributes);
-                m_committer.add({place.archivePath, std::move(saved.temporaryName),
-                                 std::move(saved.finalName), std::move(record.oldRecords)});
+                PendingCopy copy = pending(place.archivePath, saved);
+                copy.version = kNotCounted;
+                copy.replaced = std::move(record.oldRecords);
+                m_committer.add(std::move(copy));
             } catch (const RuntimeError& error) {
                 if (error.number() != base::error_number::kPathNotFound &&
                     error.number() != base::error_number::kPathAccess)
@@ -336,21 +372,12 @@ private:
             const auto archive = openArchiveFolder(dump.archivePath);
             Saved saved = saver.saveContent(*archive, dump.header, platform::asBytes(dump.content),
                                             dump.fileName);
-            m_report.bytesRead += saved.bytesRead;
-            m_report.bytesStored += saved.bytesStored;
-            m_committer.add({dump.archivePath, std::move(saved.temporaryName),
-                             std::move(saved.finalName), std::move(dump.oldFiles)});
-            settingsSaved(dump.group);
+            PendingCopy copy = pending(dump.archivePath, saved);
+            copy.settingsGroup = dump.group;
+            copy.replaced = std::move(dump.oldFiles);
+            m_committer.add(std::move(copy));
             m_link.onProgress(m_unit);
         }
-    }
-
-    // Under m_mutex while workers run.
-    void settingsSaved(const std::string& group)
-    {
-        auto& saved = m_report.settingsSaved;
-        if (std::find(saved.begin(), saved.end(), group) == saved.end())
-            saved.push_back(group);
     }
 
     // What is saved comes to its names even when the run was stopped or failed on the way. The
@@ -376,17 +403,24 @@ private:
     {
         std::sort(m_report.missed.begin(), m_report.missed.end(),
                   [](const Gap& a, const Gap& b) { return a.path < b.path; });
-        const bool nothing = m_report.copiesWritten == 0 && m_report.settingsSaved.empty() &&
-                             m_report.missed.empty();
-        if (m_cancelled)
-            m_report.outcome = Outcome::Cancelled;
-        else if (nothing)
-            m_report.outcome = Outcome::NothingToDo;
-        else
-            m_report.outcome =
-                m_report.missed.empty() ? Outcome::Complete : Outcome::CompleteWithGaps;
-        if (m_report.outcome == Outcome::NothingToDo)
+        const bool wrote = m_report.copiesWritten > 0 || !m_report.settingsSaved.empty();
+        m_report.outcome = outcomeOf({.failed = m_failure != nullptr,
+                                      .cancelled = m_cancelled,
+                                      .gaps = !m_report.missed.empty(),
+                                      .anything = wrote});
+        if (!leavesLogRecord(m_report.outcome, wrote))
             return;
+        try {
+            writeRecord();
+        } catch (const RuntimeError&) {
+            // The first error is the one to tell.
+            if (!m_failure)
+                m_failure = std::current_exception();
+        }
+    }
+
+    void writeRecord()
+    {
         const base::DateTime when = m_machine.clock.toLocal(m_startNs);
         logs::BackupRecord record;
         record.profileName = m_place.stem;
@@ -394,15 +428,27 @@ private:
         record.date = base::isoDateTime(when);
         record.fileCount = m_report.copiesWritten;
         record.skippedCount = m_report.missed.size();
-        if (!m_report.missed.empty()) {
-            std::vector<logs::MissedFile> missed;
-            for (const Gap& gap : m_report.missed)
-                missed.push_back({gap.path, gap.reason});
+        std::vector<logs::MissedFile> missed;
+        for (const Gap& gap : m_report.missed)
+            missed.push_back({gap.path, gap.reason});
+        // The line of the log has no place for it, so the report tells how the run ended.
+        if (m_failure)
+            missed.push_back({m_place.root, "the run failed: " + failureText()});
+        if (!missed.empty()) {
             m_report.missedReportPath =
                 logs::writeMissedReport(m_files, m_appPath, m_place.stem, when, missed);
             record.missedReportPath = m_report.missedReportPath;
         }
         logs::appendBackupRecord(m_files, m_appPath, record);
+    }
+
+    std::string failureText() const
+    {
+        try {
+            std::rethrow_exception(m_failure);
+        } catch (const std::exception& error) {
+            return error.what();
+        }
     }
 
     const platform::Machine& m_machine;
@@ -416,7 +462,9 @@ private:
     ScanPlan m_plan;
     std::vector<PlannedDump> m_dumps;
     std::atomic<std::uint64_t> m_serial;
-    Committer m_committer{m_files};
+    std::unique_ptr<platform::FolderLock> m_lock; // until the run is concluded
+    Committer m_committer{
+        m_files, Committer::kGroup, {[this](const PendingCopy& copy) { count(copy); }, {}}};
     EventQueue m_events;
     double m_unit = 0;
     bool m_cancelled = false; // the caller's thread alone

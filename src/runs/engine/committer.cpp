@@ -14,8 +14,8 @@ constexpr std::size_t kWorthSharing = 1000; // renames below that are done befor
 
 } // namespace
 
-Committer::Committer(platform::FileSystem& files, std::size_t group)
-    : m_files(files), m_group(group)
+Committer::Committer(platform::FileSystem& files, std::size_t group, Listener listener)
+    : m_files(files), m_group(group), m_listener(std::move(listener))
 {
 }
 
@@ -97,11 +97,28 @@ void Committer::rename(std::span<const PendingCopy> group)
             folder = m_files.openFolder(copy.folderPath);
             folderPath = copy.folderPath;
         }
-        folder->rename(copy.temporaryName, copy.finalName);
-        for (const std::string& old : copy.replaced) {
-            if (old != copy.finalName)
-                folder->removeFile(old);
+        if (!m_listener.failed) {
+            give(*folder, copy);
+            continue;
         }
+        try {
+            give(*folder, copy);
+        } catch (const base::RuntimeError& error) {
+            base::PendingError ignored; // the error that led here is the one to tell
+            ignored.attempt([&] { folder->removeFile(copy.temporaryName); });
+            m_listener.failed(copy, error);
+        }
+    }
+}
+
+void Committer::give(platform::Folder& folder, const PendingCopy& copy)
+{
+    folder.rename(copy.temporaryName, copy.finalName);
+    if (m_listener.named)
+        m_listener.named(copy);
+    for (const std::string& old : copy.replaced) {
+        if (old != copy.finalName)
+            folder.removeFile(old);
     }
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/runtime_error.h"
 #include "platform/file_system.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <future>
 #include <map>
 #include <mutex>
@@ -19,6 +21,12 @@ struct PendingCopy {
     std::string temporaryName;
     std::string finalName;
     std::vector<std::string> replaced; // names to take away once the new one counts
+    // For the caller's counts and messages.
+    std::string sourcePath{};
+    int version = 0;
+    std::string settingsGroup{}; // of a settings group's copy
+    std::uint64_t bytesRead = 0;
+    std::uint64_t bytesStored = 0;
 };
 
 // Brings copies to their final names in groups: each file system is flushed once, then all are
@@ -29,7 +37,16 @@ public:
     static constexpr std::size_t kGroup = 20000;
 
     // The port must outlive this. `group` copies are flushed together.
-    explicit Committer(platform::FileSystem& files, std::size_t group = kGroup);
+    // Told of each copy, from any thread.
+    struct Listener {
+        std::function<void(const PendingCopy&)> named; // it has got its final name
+        // It could not: its temporary file is taken away and the others go on. Without this the
+        // error ends the group.
+        std::function<void(const PendingCopy&, const base::RuntimeError&)> failed;
+    };
+
+    explicit Committer(platform::FileSystem& files, std::size_t group = kGroup,
+                       Listener listener = {});
 
     // From any thread. Begins to commit a group when enough copies wait; what that raises is raised
     // by the next such call, or by finish().
@@ -40,10 +57,12 @@ public:
 private:
     void commit(const std::vector<PendingCopy>& group);
     void rename(std::span<const PendingCopy> group);
+    void give(platform::Folder& folder, const PendingCopy& copy);
     void flush(const std::vector<PendingCopy>& group);
 
     platform::FileSystem& m_files;
     std::size_t m_group;
+    Listener m_listener;
     std::mutex m_mutex; // guards the two below
     std::vector<PendingCopy> m_waiting;
     std::map<std::uint64_t, std::string> m_touched; // a folder of each file system renamed in

@@ -35,10 +35,20 @@ void Engine::EngineBackup(std::string_view profileFolder, std::string_view profi
     link.onProgress = [&](double increment) { m_events.ProStatus(increment); };
     link.onTotal = [&](std::int16_t units) { m_totalUnits = units; };
     link.cancelled = [&] { return m_cancelRequested != kFalse; };
-    runBackup(m_machine, m_appPath, profileFolder, profileFileName, link, m_backupReport);
-    m_missedFiles = truth(!m_backupReport.missed.empty());
-    m_noFilesIdentified = truth(m_backupReport.outcome == Outcome::NothingToDo);
-    success = truth(m_backupReport.outcome != Outcome::Cancelled);
+    const auto keepFlags = [&] {
+        m_missedFiles = truth(!m_backupReport.missed.empty());
+        m_noFilesIdentified = truth(m_backupReport.outcome == Outcome::NothingToDo);
+        success = truth(cameToItsEnd(m_backupReport.outcome));
+    };
+    try {
+        runBackup(m_machine, m_appPath, profileFolder, profileFileName, link, m_backupReport);
+    } catch (const base::RuntimeError& error) {
+        m_backupReport.outcome = outcomeOf({.failed = true});
+        m_backupReport.failure = failureOf(error);
+        keepFlags();
+        throw;
+    }
+    keepFlags();
 }
 
 void Engine::EngineRestore(std::string_view profileFolder, std::string_view profileFileName,
@@ -63,7 +73,9 @@ void Engine::EngineRestore(std::string_view profileFolder, std::string_view prof
     };
     try {
         runRestore(m_machine, m_appPath, request, clxnRestore, link, m_restoreReport, flags);
-    } catch (const base::RuntimeError&) {
+    } catch (const base::RuntimeError& error) {
+        m_restoreReport.outcome = outcomeOf({.failed = true});
+        m_restoreReport.failure = failureOf(error);
         keepFlags();
         throw;
     }

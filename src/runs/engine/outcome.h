@@ -3,8 +3,14 @@
 #include "archive/entry_names.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+namespace vardelin::base {
+class RuntimeError;
+}
 
 // What runs report beyond their flags.
 namespace vardelin::engine {
@@ -12,10 +18,42 @@ namespace vardelin::engine {
 // How a run ended. One definition for flags, log records, exit codes and machine-readable output.
 enum class Outcome : std::uint8_t {
     Complete,         // all that was asked for is done
-    CompleteWithGaps, // done, but some files were missed, lost or refused
+    CompleteWithGaps, // done, but some files were missed, lost, refused or damaged
     NothingToDo,      // nothing was new or changed; nothing was asked for
     Cancelled,        // stopped by the person; what was done until then stays
+    Failed,           // an error was raised; what was done until then stays
 };
+
+// What happened in a run, as far as its outcome depends on it.
+struct RunFacts {
+    bool failed = false;    // the run raises an error
+    bool cancelled = false; // the person stopped it
+    bool gaps = false;      // something was missed, lost, refused or damaged
+    bool anything = false;  // something was done, or was asked for
+};
+
+// The one rule: the first fact that holds decides, in the order of their places above; without any
+// of them there was nothing to do.
+Outcome outcomeOf(const RunFacts& facts);
+
+// `complete`, `gaps`, `nothing`, `cancelled`, `failed`: as machine-readable output names it. These
+// never change.
+std::string_view outcomeName(Outcome outcome);
+
+// Neither cancelled nor failed: what `success` of a backup tells.
+bool cameToItsEnd(Outcome outcome);
+
+// Whether a run leaves a line in the log. One that had nothing to do leaves none, and a failed one
+// leaves one only where it saved or restored something: its line counts what was done until then.
+bool leavesLogRecord(Outcome outcome, bool didAnything);
+
+// The error that ended a failed run.
+struct RunFailure {
+    int number = 0;
+    std::string subject; // the thing concerned, a path as a rule; may be empty
+    std::string reason;  // the system's own or a sentence; may be empty
+};
+RunFailure failureOf(const base::RuntimeError& error);
 
 // A file or entry that was left out, and why.
 struct Gap {
@@ -24,10 +62,11 @@ struct Gap {
 };
 
 struct BackupReport {
-    Outcome outcome = Outcome::Complete;
-    bool full = false;               // the archive was empty before
-    std::uint64_t filesScanned = 0;  // selected by the profile, changed or not
-    std::uint64_t copiesWritten = 0; // full copies and versions
+    Outcome outcome = Outcome::Failed; // until a run has come to another end
+    std::optional<RunFailure> failure; // of a failed run
+    bool full = false;                 // the archive was empty before
+    std::uint64_t filesScanned = 0;    // selected by the profile, changed or not
+    std::uint64_t copiesWritten = 0;   // full copies and versions
     std::uint64_t fullCopies = 0;
     std::uint64_t versions = 0;
     std::uint64_t renewed = 0;        // touched without a change of content
@@ -36,13 +75,15 @@ struct BackupReport {
     std::uint64_t bytesStored = 0;    // what they take in the archive
     std::vector<Gap> missed;
     std::vector<std::string> settingsSaved; // names of the groups that were written
-    std::string missedReportPath;           // empty where nothing was missed
+    // Empty where nothing was missed and the run did not fail after it had saved something.
+    std::string missedReportPath;
     std::string archiveRoot;
     std::vector<std::string> warnings; // of the profile, such as a section that never closes
 };
 
 struct RestoreReport {
-    Outcome outcome = Outcome::Complete;
+    Outcome outcome = Outcome::Failed; // until a run has come to another end
+    std::optional<RunFailure> failure; // of a failed run
     std::uint64_t filesRestored = 0;
     std::uint64_t bytesRestored = 0;
     std::vector<Gap> lost;               // missing or damaged archive files
@@ -78,11 +119,12 @@ struct CopyRecord {
 };
 
 struct VerifyReport {
+    Outcome outcome = Outcome::Failed;
+    std::optional<RunFailure> failure; // of a failed check
     std::uint64_t copiesChecked = 0;
     std::uint64_t bytesChecked = 0; // of the sources
     std::vector<Gap> damaged;
     std::vector<std::string> foreign; // files in the archive that are no copies
-    bool cancelled = false;
 };
 
 } // namespace vardelin::engine

@@ -75,7 +75,23 @@ public:
     {
     }
 
+    // Whatever ends the run early, what it restored until then is counted, logged and reported.
     void run(const base::TextCollection& entries)
+    {
+        try {
+            work(entries);
+        } catch (const RuntimeError&) {
+            m_failure = std::current_exception();
+        }
+        conclude(entries);
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+        if (m_firstFailed)
+            throw RuntimeError(*m_firstFailed);
+    }
+
+private:
+    void work(const base::TextCollection& entries)
     {
         std::optional<base::Date> asOf;
         if (m_request.date != "NULL") {
@@ -105,10 +121,8 @@ public:
         restoreFiles(plan, m_request.location);
         for (std::size_t i = 0; i < settings.size() && !m_cancelled; ++i)
             restoreGroup(plan.settingsGroups[i], settings[i]);
-        conclude(entries);
     }
 
-private:
     std::unique_ptr<platform::FolderLock> lockArchive()
     {
         // Without an archive every entry is lost, and that is told by the flag.
@@ -119,7 +133,11 @@ private:
     {
         TargetFolders targets(m_files, location, m_place.profile.sources,
                               TargetFolders::firstSerialOf(m_place.root));
-        Committer committer(m_files);
+        Committer committer(m_files, Committer::kGroup,
+                            {[this](const PendingCopy& copy) { count(copy.bytesRead); },
+                             [this](const PendingCopy& copy, const RuntimeError& error) {
+                                 fail(copy.sourcePath, error);
+                             }});
         HardLinks links;
         const auto batches = batchesOf(plan);
         std::atomic<std::size_t> next = 0;
@@ -189,13 +207,10 @@ private:
             try {
                 const RestoredCopy done =
                     restorer.restore(*archive, place.sourcePath, copy, *target);
-                settle(*target, targetPath, copy.sourceName(), done.temporaryName, committer);
-                {
+                settle(*target, targetPath, place.sourcePath, copy.sourceName(), done, committer);
+                if (!done.linkGroup.empty()) {
                     const std::lock_guard lock(m_mutex);
-                    ++m_report.filesRestored;
-                    m_report.bytesRestored += done.bytes;
-                    if (!done.linkGroup.empty())
-                        links[done.linkGroup].push_back({targetPath, copy.sourceName()});
+                    links[done.linkGroup].push_back({targetPath, copy.sourceName()});
                 }
             } catch (const TargetError& error) {
                 if (error.number() == base::error_number::kDiskFull)
@@ -211,15 +226,31 @@ private:
     // A file that replaces another one waits until its data is on the disk, so that a power cut
     // leaves the old one or the new one. A new name has nothing to lose that the archive does not
     // still hold, and flushing a whole restore would take longer than writing it.
-    static void settle(Folder& target, const std::string& targetPath, const std::string& name,
-                       const std::string& temporaryName, Committer& committer)
+    void settle(Folder& target, const std::string& targetPath, const std::string& sourceFolder,
+                const std::string& name, const RestoredCopy& done, Committer& committer)
     {
         onTarget([&] {
-            if (target.find(name))
-                committer.add({targetPath, temporaryName, name, {}});
-            else
-                target.rename(temporaryName, name);
+            if (target.find(name)) {
+                PendingCopy copy;
+                copy.folderPath = targetPath;
+                copy.temporaryName = done.temporaryName;
+                copy.finalName = name;
+                copy.sourcePath = sourceFolder + name;
+                copy.bytesRead = done.bytes;
+                committer.add(std::move(copy));
+            } else {
+                target.rename(done.temporaryName, name);
+                count(done.bytes);
+            }
         });
+    }
+
+    // A file counts when it has its name.
+    void count(std::uint64_t bytes)
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_report.filesRestored;
+        m_report.bytesRestored += bytes;
     }
 
     void failAll(const ChosenFolder& place, const Batch& batch, const RuntimeError& error)
@@ -289,21 +320,25 @@ private:
         m_flags.passwordMismatch = !m_report.mismatched.empty();
         const bool gaps = !m_report.lost.empty() || !m_report.mismatched.empty() ||
                           !m_report.failed.empty() || !m_report.notMatched.empty();
-        if (m_cancelled)
-            m_report.outcome = Outcome::Cancelled;
-        else if (entries.empty())
-            m_report.outcome = Outcome::NothingToDo;
-        else
-            m_report.outcome = gaps ? Outcome::CompleteWithGaps : Outcome::Complete;
-
+        m_report.outcome = outcomeOf({.failed = m_failure || m_firstFailed,
+                                      .cancelled = m_cancelled,
+                                      .gaps = gaps,
+                                      .anything = !entries.empty()});
+        const bool restored = m_report.filesRestored > 0 || !m_report.settingsRestored.empty();
+        if (!leavesLogRecord(m_report.outcome, restored))
+            return;
         logs::RestoreRecord record;
         record.profileName = m_place.stem;
         record.restoredPath = m_request.location.empty() ? "Original Location" : m_request.location;
         record.date = base::isoDateTime(m_machine.clock.toLocal(m_startNs));
         record.fileCount = m_report.filesRestored;
-        logs::appendRestoreRecord(m_files, m_appPath, record);
-        if (m_firstFailed)
-            throw RuntimeError(*m_firstFailed);
+        try {
+            logs::appendRestoreRecord(m_files, m_appPath, record);
+        } catch (const RuntimeError&) {
+            // The first error is the one to tell.
+            if (!m_failure && !m_firstFailed)
+                m_failure = std::current_exception();
+        }
     }
 
     const platform::Machine& m_machine;
@@ -362,6 +397,7 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
         }
     }
     std::atomic<std::size_t> next = 0;
+    bool cancelled = false;
     std::atomic<bool> stop = false;
     std::mutex mutex; // guards report
     const std::size_t count = workerCount(batches.size());
@@ -398,7 +434,7 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
             count,
             [&](const std::string& path) {
                 if (!progress(path)) {
-                    report.cancelled = true;
+                    cancelled = true;
                     stop = true;
                 }
             },
@@ -406,6 +442,10 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
     }
     std::sort(report.damaged.begin(), report.damaged.end(),
               [](const Gap& a, const Gap& b) { return a.path < b.path; });
+    report.outcome = outcomeOf({.failed = false,
+                                .cancelled = cancelled,
+                                .gaps = !report.damaged.empty(),
+                                .anything = report.copiesChecked > 0});
     return report;
 }
 
