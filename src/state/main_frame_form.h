@@ -1,0 +1,56 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+// The main frame's menu entries and toolbar buttons, as far as their enabling is decided by what
+// the person does. One instance, owned by the application, on the thread of the user interface.
+namespace vardelin::state {
+
+struct MenuEntry {
+    bool enabled = true;
+};
+
+struct ToolButton {
+    bool enabled = true;
+};
+
+struct MainFrameForm {
+    // Buttons have indices from 1; 7 and 10 are separators and 12 has a drop-down.
+    static constexpr std::size_t kToolbarButtons = 12;
+
+    MenuEntry mnuFile; // the menus themselves
+    MenuEntry mnuActions;
+    MenuEntry mnuTools;
+    MenuEntry mnuWindow;
+    MenuEntry mnuHelp;
+
+    MenuEntry mnuNew;
+    MenuEntry mnuOpen;
+    MenuEntry mnuEdit;
+    MenuEntry mnuSave;
+    MenuEntry mnuSaveAs;
+    MenuEntry mnuClose;
+    MenuEntry mnuExit;
+    MenuEntry mnuBackup;
+    MenuEntry mnure;
+    MenuEntry mnuExpand;
+    MenuEntry mnuCollapse;
+    MenuEntry mnudispQ;
+    MenuEntry mnuBackLog;
+    MenuEntry mnuRestLog;
+    MenuEntry mnuOptions;
+    MenuEntry mnuProfile;
+    MenuEntry mnuContents;
+    MenuEntry mnuAbout;
+
+    bool editorEnabled = true; // frmProfile as a whole
+    bool Toolbar1Enabled = true;
+    ToolButton& Toolbar1(std::size_t index) { return m_buttons.at(index - 1); }
+    const ToolButton& Toolbar1(std::size_t index) const { return m_buttons.at(index - 1); }
+
+private:
+    std::array<ToolButton, kToolbarButtons> m_buttons;
+};
+
+} // namespace vardelin::state
