@@ -1,5 +1,7 @@
 #include "logs/missed_report.h"
 
+#include "logs/log_folder.h"
+
 #include <fmt/format.h>
 
 namespace vardelin::logs {
@@ -29,8 +31,7 @@ std::string writeMissedReport(platform::FileSystem& fileSystem, std::string_view
                               std::string_view stem, const base::DateTime& when,
                               std::span<const MissedFile> missed)
 {
-    const std::string folder = platform::joinPath(appPath, "Log\\Missed");
-    fileSystem.createFolders(folder);
+    const std::string folder = makeLogFolder(fileSystem, appPath, "Log\\Missed");
     std::string path = freePath(fileSystem, folder, stem, when);
     std::string text;
     for (const MissedFile& file : missed) {

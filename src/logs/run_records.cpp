@@ -3,6 +3,7 @@
 #include "base/keyed_collection.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "logs/log_folder.h"
 
 #include <algorithm>
 #include <span>
@@ -48,27 +49,75 @@ std::string readAt(platform::File& file, std::uint64_t offset, std::size_t count
     return bytes;
 }
 
-// What a log file ends in behind its last line end; empty for a file that is whole or missing.
-std::string unfinishedLine(FileSystem& fileSystem, const std::string& path)
+// The end of a log file, which holds whole what the run before appended.
+std::string tailOf(FileSystem& fileSystem, const std::string& path)
 {
     constexpr std::uint64_t kTailBytes = 65'536; // longer than any line that we write
-    if (!fileSystem.fileExists(path))
-        return {};
     const auto file = fileSystem.open(path, OpenMode::Read);
     const std::uint64_t size = file->info().sizeBytes;
     const std::uint64_t count = std::min(size, kTailBytes);
-    const std::string tail = readAt(*file, size - count, static_cast<std::size_t>(count));
-    return std::string(base::afterLast(tail, "\n"));
+    std::string tail = readAt(*file, size - count, static_cast<std::size_t>(count));
+    // It begins with a line, or with the rest of one that is of no interest any more.
+    if (count < size)
+        tail.erase(0, tail.find('\n') + 1);
+    return tail;
+}
+
+bool isShort(std::string_view line, std::size_t fields)
+{
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    return !line.empty() && base::split(line, kFieldSeparator).size() < fields;
+}
+
+// Whether a line that ends in this text has too few fields.
+bool holdsShortLine(std::string_view text, std::size_t fields)
+{
+    const auto lines = base::split(text, "\n");
+    for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+        if (isShort(lines[i], fields))
+            return true;
+    }
+    return false;
+}
+
+// What a power cut leaves of an append can be any bytes, line ends among them, and a short line
+// would hide all that stand behind it. Such lines get the fields that they lack.
+void mendShortLines(FileSystem& fileSystem, const std::string& path, std::size_t fields)
+{
+    const std::string text = fileSystem.readAll(path);
+    std::string mended;
+    const auto lines = base::split(text, "\n");
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        std::string_view line = lines[i];
+        const bool isLast = i + 1 == lines.size();
+        if (!isLast && isShort(line, fields)) {
+            const bool hasReturn = line.ends_with('\r');
+            if (hasReturn)
+                line.remove_suffix(1);
+            mended.append(line);
+            for (std::size_t n = base::split(line, kFieldSeparator).size(); n < fields; ++n)
+                mended.append(kFieldSeparator);
+            mended.append(hasReturn ? "\r" : "");
+        } else {
+            mended.append(line);
+        }
+        mended.append(isLast ? "" : "\n");
+    }
+    fileSystem.replaceFile(path, mended);
 }
 
 void appendLine(FileSystem& fileSystem, std::string_view appPath, std::string_view logFolder,
                 std::string_view stem, std::string_view line, std::size_t fields)
 {
-    const std::string folder = platform::joinPath(appPath, logFolder);
-    fileSystem.createFolders(folder);
+    const std::string folder = makeLogFolder(fileSystem, appPath, logFolder);
     const std::string path = platform::joinPath(folder, std::string(stem).append(".txt"));
     std::string bytes;
-    const std::string unfinished = unfinishedLine(fileSystem, path);
+    const bool isNew = !fileSystem.fileExists(path);
+    const std::string tail = isNew ? std::string() : tailOf(fileSystem, path);
+    if (holdsShortLine(tail, fields))
+        mendShortLines(fileSystem, path, fields);
+    const std::string unfinished(base::afterLast(tail, "\n"));
     if (unfinished.ends_with('\r')) {
         bytes.append("\n");
     } else if (!unfinished.empty()) {
@@ -82,6 +131,8 @@ void appendLine(FileSystem& fileSystem, std::string_view appPath, std::string_vi
     file->write(platform::asBytes(bytes));
     file->flush();
     file->close();
+    if (isNew)
+        fileSystem.openFolder(folder)->flush();
 }
 
 // The fields of a line, at least `count` of them.

@@ -74,6 +74,7 @@ void FaultWorld::become(const FaultWorld& other)
     if (disk)
         disk->settle();
     m_size = other.m_size;
+    m_compress = other.m_compress;
     m_folders = other.m_folders;
     m_truth = other.m_truth;
     beginRound(other.m_round);
@@ -89,6 +90,7 @@ void FaultWorld::beginRound(int number)
 
 void FaultWorld::setProfile(const std::string& retention, bool compress)
 {
+    m_compress = compress;
     engine::ProfileText text;
     text.otherData = {"Desktop Settings", "Registry Settings"};
     text.compress = compress;
@@ -285,9 +287,12 @@ void FaultWorld::expectNewest(const std::string& label)
     }
     const auto folder = tree.openFolder(place + "\\C\\data");
     EXPECT_TRUE(tree.folderExists(place + "\\C\\data\\empty\\inner")) << label;
-    EXPECT_EQ(folder->find("twin")->inode,
-              tree.find(place + "\\C\\data\\a\\f000.txt").value().inode)
-        << label;
+    // A copy that is stored as it is has no room for the other name.
+    if (m_compress) {
+        EXPECT_EQ(folder->find("twin")->inode,
+                  tree.find(place + "\\C\\data\\a\\f000.txt").value().inode)
+            << label;
+    }
     EXPECT_EQ(folder->find("long")->mode, 0700U) << label;
     tree.removeTree(place);
 }

@@ -114,6 +114,7 @@ private:
     std::string freshFolder();
 
     Size m_size;
+    bool m_compress = true;
     int m_round = 0;
     int m_folders = 0;
     std::map<int, Contents> m_truth;

@@ -189,6 +189,43 @@ TEST(RunRecords, CompleteALineThatWasCutAtAnyByte)
     }
 }
 
+// What a power cut leaves of the last append can hold line ends of its own.
+TEST(RunRecords, MendShortLinesThatWouldHideTheOnesBehindThem)
+{
+    const std::string torn = "A||Full||d||1||0||\r\nB||\n\x01\n\r\n";
+    for (const std::string& end : {std::string(), std::string("half"), std::string(3, '\0')}) {
+        MemoryFileSystem files;
+        put(files, "C:\\App\\Log\\Backup\\Work.txt", torn + end);
+
+        appendBackupRecord(files, kApp, {"Work", "Full", "f", 3, 0, ""});
+
+        const auto log = readBackupLog(files, kApp);
+        EXPECT_THAT(log.faults, IsEmpty());
+        ASSERT_EQ(log.lines.size(), end.empty() ? 4U : 5U);
+        EXPECT_EQ(log.lines.front(), (BackupLine{"A", "Full", "d", "1", "0", ""}));
+        EXPECT_EQ(log.lines[1].profileName, "B");
+        EXPECT_EQ(log.lines[2].profileName, "\x01");
+        EXPECT_EQ(log.lines.back(), (BackupLine{"Work", "Full", "f", "3", "0", ""}));
+    }
+}
+
+// A flushed line is lost all the same where the names that lead to it are not on the disk.
+TEST(RunRecords, FlushTheNamesOfANewLogAndItsFolders)
+{
+    MemoryFileSystem files;
+    files.createFolders("C:\\App");
+    std::vector<std::string> flushed;
+    files.script().onCallsNamed("folder.flush", [&](const platform::CallScript::Call& call) {
+        flushed.push_back(call.subject);
+    });
+
+    appendBackupRecord(files, kApp, backupOf("Work"));
+
+    EXPECT_THAT(flushed, testing::ElementsAre("C:\\App\\Log", "C:\\App", "C:\\App\\Log\\Backup"));
+    appendBackupRecord(files, kApp, backupOf("Work"));
+    EXPECT_EQ(flushed.size(), 3U) << "once is enough";
+}
+
 TEST(RunRecords, LeaveTheOldLinesWhereAppendingFails)
 {
     for (const char* call : {"file.write", "file.flush", "folder.open"}) {

@@ -5,6 +5,16 @@
 #include <utility>
 
 namespace vardelin::engine {
+namespace {
+
+bool isNewer(const ListedCopy& one, const ListedCopy& other)
+{
+    if (one.version != other.version)
+        return one.version > other.version;
+    return one.meta && (!other.meta || one.meta->savedNs > other.meta->savedNs);
+}
+
+} // namespace
 
 ArchiveFolder::ArchiveFolder(std::vector<platform::FolderEntry> entries)
     : m_entries(std::move(entries))
@@ -37,7 +47,7 @@ ArchiveFolder::ArchiveFolder(std::vector<platform::FolderEntry> entries)
     }
     for (std::size_t i = 0; i < m_copies.size(); ++i) {
         const auto [place, isNew] = m_newest.emplace(m_copies[i].sourceName, i);
-        if (!isNew && m_copies[i].version > m_copies[place->second].version)
+        if (!isNew && isNewer(m_copies[i], m_copies[place->second]))
             place->second = i;
     }
 }

@@ -30,7 +30,8 @@ public:
     ArchiveFolder(const ArchiveFolder&) = delete;
     ArchiveFolder& operator=(const ArchiveFolder&) = delete;
 
-    // The copy with the highest version, the full copy where there is no version; null for none.
+    // The copy with the highest version, the full copy where there is no version; null for none. Of
+    // two with one number, which a power cut can leave of a settings file, the one saved later.
     const ListedCopy* newest(std::string_view sourceName) const;
     const std::vector<ListedCopy>& copies() const { return m_copies; }
     const std::vector<std::string_view>& subfolders() const { return m_subfolders; }

@@ -131,7 +131,18 @@ private:
         if (!m_files.fileExists(marker))
             return;
         clearTemporaries(m_files, m_place.root);
+        writeCompanions();
         m_files.removeFile(marker);
+    }
+
+    // What lies beside the copies: the profile as it was at the last run, and the list for the
+    // review where the copies are stored as they are.
+    void writeCompanions()
+    {
+        m_files.replaceFile(m_place.root + std::string(platform::leafOf(m_place.profilePath)),
+                            m_files.readAll(m_place.profilePath));
+        if (!m_place.profile.compress)
+            archive::writeReviewFiles(m_files, m_appPath, m_place.root);
     }
 
     void scan()
@@ -387,10 +398,7 @@ private:
         try {
             m_committer.finish();
             if (m_report.copiesWritten > 0 || !m_report.settingsSaved.empty())
-                m_files.copyFile(m_place.profilePath,
-                                 m_place.root + std::string(platform::leafOf(m_place.profilePath)));
-            if (!m_place.profile.compress && m_report.copiesWritten > 0)
-                archive::writeReviewFiles(m_files, m_appPath, m_place.root);
+                writeCompanions();
             if (!m_failure)
                 m_files.removeFile(m_place.root + std::string(kRunMarker));
         } catch (const RuntimeError&) {

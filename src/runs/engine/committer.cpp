@@ -54,6 +54,9 @@ void Committer::finish()
     for (const auto& [device, folder] : m_touched)
         m_files.openFolder(folder)->flushFileSystem();
     m_touched.clear();
+    for (const Replaced& old : m_replaced)
+        m_files.openFolder(old.folderPath)->removeFile(old.name);
+    m_replaced.clear();
 }
 
 void Committer::commit(const std::vector<PendingCopy>& group)
@@ -117,8 +120,10 @@ void Committer::give(platform::Folder& folder, const PendingCopy& copy)
     if (m_listener.named)
         m_listener.named(copy);
     for (const std::string& old : copy.replaced) {
-        if (old != copy.finalName)
-            folder.removeFile(old);
+        if (old == copy.finalName)
+            continue;
+        const std::lock_guard lock(m_mutex);
+        m_replaced.push_back({copy.folderPath, old});
     }
 }
 

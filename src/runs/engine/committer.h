@@ -20,7 +20,9 @@ struct PendingCopy {
     std::string folderPath; // in drive form
     std::string temporaryName;
     std::string finalName;
-    std::vector<std::string> replaced; // names to take away once the new one counts
+    // Names to take away once the new one is sure to stay: behind the last flush, since a disk need
+    // not keep the order of two names.
+    std::vector<std::string> replaced;
     // For the caller's counts and messages.
     std::string sourcePath{};
     int version = 0;
@@ -51,10 +53,16 @@ public:
     // From any thread. Begins to commit a group when enough copies wait; what that raises is raised
     // by the next such call, or by finish().
     void add(PendingCopy copy);
-    // Commits what is left and flushes the names. Raises what a flush or a rename raises.
+    // Commits what is left, flushes the names and takes the replaced ones away. Raises what a
+    // flush, a rename or a removal raises.
     void finish();
 
 private:
+    struct Replaced {
+        std::string folderPath;
+        std::string name;
+    };
+
     void commit(const std::vector<PendingCopy>& group);
     void rename(std::span<const PendingCopy> group);
     void give(platform::Folder& folder, const PendingCopy& copy);
@@ -63,11 +71,12 @@ private:
     platform::FileSystem& m_files;
     std::size_t m_group;
     Listener m_listener;
-    std::mutex m_mutex; // guards the two below
+    std::mutex m_mutex; // guards the three below
     std::vector<PendingCopy> m_waiting;
     std::map<std::uint64_t, std::string> m_touched; // a folder of each file system renamed in
-    std::mutex m_turn;                              // guards m_running
-    std::future<void> m_running;                    // last: it uses all above until it ends
+    std::vector<Replaced> m_replaced;
+    std::mutex m_turn;           // guards m_running
+    std::future<void> m_running; // last: it uses all above until it ends
 };
 
 } // namespace vardelin::engine

@@ -232,6 +232,22 @@ void addListing(RestorePlan& plan, const FolderListing& listing)
     plan.folders.push_back(std::move(folder));
 }
 
+// The newest copy of each file of a settings group: a power cut can leave the one before it, too.
+FolderListing newestOf(const FolderListing& listing)
+{
+    std::map<std::string_view, const CopyRecord*> newest;
+    for (const CopyRecord& copy : listing.copies) {
+        const CopyRecord*& kept = newest[copy.sourcePath];
+        if (kept == nullptr || copy.savedNs > kept->savedNs)
+            kept = &copy;
+    }
+    FolderListing result{
+        listing.archivePath, listing.sourcePath, {}, listing.foreign, listing.folderRecord};
+    for (const auto& [path, copy] : newest)
+        result.copies.push_back(*copy);
+    return result;
+}
+
 } // namespace
 
 RestorePlan planRestore(const platform::Machine& machine, const ArchivePlace& place,
@@ -255,6 +271,8 @@ RestorePlan planSettingsGroup(const platform::Machine& machine, const ArchivePla
     ChosenFolder top{root, {}, {}, {}, false};
     const ArchiveFolder names(files.openFolder(root)->list());
     for (const ListedCopy& copy : names.copies()) {
+        if (names.newest(copy.sourceName) != &copy)
+            continue; // left by a power cut
         CopyRecord record;
         record.archivePath = root + std::string(copy.fileName);
         record.sourcePath = copy.sourceName;
@@ -268,7 +286,7 @@ RestorePlan planSettingsGroup(const platform::Machine& machine, const ArchivePla
         plan.folders.push_back(std::move(top));
     walkArchive(files, root, root, false, [&](const FolderListing& listing) {
         if (!listing.copies.empty())
-            addListing(plan, listing);
+            addListing(plan, newestOf(listing));
         return true;
     });
     return plan;

@@ -84,12 +84,12 @@ private:
         dump.header.mode = 0600;
         dump.header.modifiedNs = m_machine.clock.nowNs();
         if (archive) {
+            const ListedCopy* newest = archive->newest(item.relativeName);
+            if (newest != nullptr && isSame(root, *newest, dump.header.contentHash))
+                return;
             for (const ListedCopy& copy : archive->copies()) {
-                if (copy.sourceName != item.relativeName)
-                    continue;
-                if (isSame(root, copy, dump.header.contentHash))
-                    return;
-                dump.oldFiles.emplace_back(copy.fileName);
+                if (copy.sourceName == item.relativeName)
+                    dump.oldFiles.emplace_back(copy.fileName);
             }
         }
         const archive::CopyMeta meta{

@@ -252,11 +252,11 @@ private:
         const archive::FolderMeta meta{own.mode, own.ownerId, own.groupId, own.modifiedNs};
         std::vector<std::string> old;
         if (archive != nullptr) {
-            for (const std::string_view name : archive->folderRecords()) {
-                if (archive::parseFolderRecordName(name) == meta)
-                    return;
-                old.emplace_back(name);
-            }
+            // Of two, which a power cut can leave, both go: nothing tells which one counts.
+            const auto& records = archive->folderRecords();
+            if (records.size() == 1 && archive::parseFolderRecordName(records.front()) == meta)
+                return;
+            old.assign(records.begin(), records.end());
         }
         if (plain && old.empty())
             return;
