@@ -200,6 +200,53 @@ TEST(Restore, AFolderAndAnOldVersionOfAFileInItGiveTheNewestOnce)
     }
 }
 
+TEST(Restore, EntriesThatOverlapRestoreEachFileOnceAndAddUpToAHundred)
+{
+    World world;
+    world.write("x\\a.txt", "a1");
+    world.write("x\\deep\\b.txt", "b1");
+    world.write("x2\\d.txt", "d1");
+    world.write("y\\c.txt", "c1");
+    world.backup();
+    struct Case {
+        std::vector<std::string> entries;
+        std::uint64_t files;
+    };
+    const std::vector<Case> cases{
+        {{"C:\\data\\", "C:\\data\\x\\"}, 4},
+        {{"C:\\data\\x\\", "C:\\data\\"}, 4},
+        {{"C:\\data\\x\\", "C:\\data\\x2\\"}, 3},
+        {{"C:\\data\\x\\deep\\b.txt_000", "C:\\data\\x\\"}, 2},
+        {{"C:\\data\\x\\", "C:\\data\\y\\c.txt_000", "C:\\data\\x\\a.txt_000"}, 3},
+        {{"C:\\data\\y\\c.txt_000", "C:\\data\\x\\a.txt_000", "C:\\data\\y\\"}, 2},
+    };
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        for (const char* date : {"NULL", "31/12/2090"}) {
+            world.events.progress = 0;
+            const std::string target = "D:\\back" + std::to_string(i);
+            const RestoreResult result = world.restore(cases[i].entries, target, date);
+            EXPECT_EQ(result.report.filesRestored, cases[i].files) << "case " << i;
+            EXPECT_EQ(world.tree(target).size(), cases[i].files) << "case " << i;
+            EXPECT_NEAR(world.events.progress, 100.0, 1e-9) << "case " << i;
+            EXPECT_EQ(result.lost, kFalse) << "case " << i;
+        }
+    }
+}
+
+TEST(Restore, AFolderOfManyBatchesComesBackWhole)
+{
+    World world;
+    for (int i = 0; i < 300; ++i)
+        world.write((i % 3 == 0 ? "" : "deep\\") + std::to_string(i),
+                    "content " + std::to_string(i));
+    world.backup();
+    world.events.progress = 0;
+    const RestoreResult result = world.restore({"C:\\"}, "D:\\back");
+    EXPECT_EQ(result.report.filesRestored, 300U);
+    EXPECT_EQ(world.tree("D:\\back\\C\\data"), world.tree("C:\\data"));
+    EXPECT_NEAR(world.events.progress, 100.0, 1e-9);
+}
+
 TEST(Restore, AnEntryNeverStandsForALongerNumber)
 {
     World world;
@@ -456,6 +503,18 @@ TEST(Verify, NamesExactlyTheDamagedCopyAndTheForeignFiles)
     EXPECT_EQ(report.damaged[0].path, path);
     EXPECT_THAT(report.foreign, testing::UnorderedElementsAre(kRoot + "C\\data\\Version.txt",
                                                               kRoot + "C\\data\\readme"));
+}
+
+TEST(Verify, RaisesWhatListingTheArchiveRaises)
+{
+    World world;
+    world.write("x\\f", "x");
+    world.backup();
+    world.ports.fileSystem.script().failCallsNamed("folder.list", base::error_number::kDeviceIo,
+                                                   kRoot + "C\\data\\x");
+    EXPECT_THROW(verifyArchive(world.machine, kProfiles + "Work.vdp", 100,
+                               [](std::string_view) { return true; }),
+                 base::RuntimeError);
 }
 
 TEST(Verify, ASampleReadsItsShare)

@@ -110,14 +110,7 @@ void listCopies(const platform::Machine& machine, std::string_view profilePath,
     if (!machine.fileSystem.folderExists(place.root))
         throw base::RuntimeError(base::error_number::kPathNotFound, place.root,
                                  "the profile has no archive yet");
-    walkArchive(machine.fileSystem, place.root, place.root, true,
-                [&](const FolderListing& listing) {
-                    for (const CopyRecord& copy : listing.copies) {
-                        if (!each(copy))
-                            return false;
-                    }
-                    return true;
-                });
+    eachCopy(machine.fileSystem, place.root, each);
 }
 
 VerifyReport verifyArchive(const platform::Machine& machine, std::string_view profilePath,

@@ -7,25 +7,58 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
+#include <tuple>
+#include <unordered_map>
 #include <utility>
 
 namespace vardelin::engine {
 namespace {
 
 constexpr std::size_t kTagBytes = 3;
+constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
 
-ChosenCopy chosen(const CopyRecord& copy)
+ChosenCopy chosen(const ListedCopy& copy)
 {
     ChosenCopy result;
-    result.fileName = platform::leafOf(copy.archivePath);
-    result.sizeBytes = copy.sizeBytes;
-    result.modifiedNs = copy.modifiedNs;
+    result.fileName = copy.fileName;
     result.version = static_cast<std::int16_t>(copy.version);
     result.form = copy.form;
-    if (const auto name = archive::parseCopyName(result.fileName)) {
+    if (const auto name = archive::parseCopyName(copy.fileName))
         result.nameBytes = static_cast<std::uint16_t>(name->sourceName.size());
-        if (name->meta)
-            result.contentHash = name->meta->contentHash;
+    if (copy.meta) {
+        result.sizeBytes = copy.meta->sizeBytes;
+        result.modifiedNs = copy.meta->modifiedNs;
+        result.contentHash = copy.meta->contentHash;
+    }
+    return result;
+}
+
+bool isSavedBefore(CatalogFolder& folder, const ListedCopy& copy, std::int64_t limitNs)
+{
+    return limitNs == kNoLimit || folder.metaOf(copy).savedNs <= limitNs;
+}
+
+// Of each file the newest copy that was saved up to the limit.
+ChosenFolder newestCopies(CatalogFolder& folder, const std::string& archivePath,
+                          const ArchiveFolder& listing, std::int64_t limitNs)
+{
+    std::vector<const ListedCopy*> candidates;
+    candidates.reserve(listing.copies().size());
+    for (const ListedCopy& copy : listing.copies()) {
+        if (isSavedBefore(folder, copy, limitNs) && folder.entryOf(copy))
+            candidates.push_back(&copy);
+    }
+    std::sort(candidates.begin(), candidates.end(), [](const ListedCopy* a, const ListedCopy* b) {
+        return std::tie(a->sourceName, a->version) < std::tie(b->sourceName, b->version);
+    });
+    ChosenFolder result{archivePath, folder.sourcePath(), {}, true};
+    result.copies.reserve(candidates.size());
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        const bool isLast = i + 1 == candidates.size() ||
+                            candidates[i + 1]->sourceName != candidates[i]->sourceName;
+        if (isLast)
+            result.copies.push_back(chosen(*candidates[i]));
     }
     return result;
 }
@@ -40,7 +73,7 @@ public:
     {
         if (asOf) {
             const base::Date next = base::dateFromDays(base::daysSinceEpoch(*asOf) + 1);
-            m_limitNs = machine.clock.fromLocal({next, {}}) - 1;
+            m_plan.limitNs = machine.clock.fromLocal({next, {}}) - 1;
             m_byDate = true;
         }
     }
@@ -65,12 +98,59 @@ public:
 
     RestorePlan take()
     {
-        for (auto& folder : m_plan.folders)
+        // A copy that lies in a chosen folder comes with the folder, and so does a folder.
+        std::erase_if(m_plan.folders, [&](const ChosenFolder& folder) {
+            return std::any_of(m_trees.begin(), m_trees.end(), [&](const Tree& tree) {
+                return folder.archivePath.starts_with(tree.archivePath);
+            });
+        });
+        for (std::size_t i = 0; i < m_trees.size(); ++i) {
+            bool isBelow = false;
+            for (std::size_t j = 0; j < m_trees.size(); ++j) {
+                const bool isSame = m_trees[i].archivePath == m_trees[j].archivePath;
+                isBelow = isBelow || (m_trees[i].archivePath.starts_with(m_trees[j].archivePath) &&
+                                      (isSame ? j < i : true));
+            }
+            if (isBelow)
+                continue;
+            m_plan.copies += m_trees[i].copies;
+            m_plan.trees.push_back(m_trees[i].archivePath);
+        }
+        for (const ChosenFolder& folder : m_plan.folders)
             m_plan.copies += folder.copies.size();
         return std::move(m_plan);
     }
 
 private:
+    struct Tree {
+        std::string archivePath;
+        std::uint64_t copies = 0;
+    };
+
+    // The folder whose entries are looked up. Entries of one folder come together, so one is kept.
+    struct OpenFolder {
+        OpenFolder(platform::FileSystem& files, const std::string& root, const std::string& path,
+                   CopyReader& reader)
+            : archivePath(path), listing(files.openFolder(path)->list()),
+              catalog(files, root, path, listing, reader)
+        {
+            byEntry.reserve(listing.copies().size());
+            for (const ListedCopy& copy : listing.copies()) {
+                if (const auto entry = catalog.entryOf(copy))
+                    byEntry.emplace_back(std::hash<std::string>()(*entry), &copy);
+            }
+            std::sort(byEntry.begin(), byEntry.end(), [](const auto& a, const auto& b) {
+                return std::tie(a.first, a.second->fileName) <
+                       std::tie(b.first, b.second->fileName);
+            });
+        }
+
+        std::string archivePath;
+        ArchiveFolder listing;
+        CatalogFolder catalog;
+        std::vector<std::pair<std::size_t, const ListedCopy*>> byEntry; // hash of the entry's text
+    };
+
     void addFolder(const std::string& entry)
     {
         const std::string archivePath = archivePathOf(m_place.root, entry);
@@ -78,43 +158,31 @@ private:
             m_plan.lost.push_back({entry, "the archive holds no such folder"});
             return;
         }
-        bool any = false;
+        Tree tree{archivePath, 0};
         bool anyCopy = false;
-        walkArchive(m_files, m_place.root, archivePath, false, [&](const FolderListing& listing) {
-            std::unordered_map<std::string_view, const CopyRecord*> newest;
-            for (const CopyRecord& copy : listing.copies) {
-                anyCopy = true;
-                if (copy.savedNs > m_limitNs)
-                    continue;
-                const CopyRecord*& best = newest[copy.sourcePath];
-                if (best == nullptr || copy.version > best->version)
-                    best = &copy;
-            }
-            any = any || !newest.empty();
-            ChosenFolder& folder = folderFor(listing);
-            const bool wasEmpty = folder.copies.empty();
-            folder.whole = true;
-            for (const CopyRecord& copy : listing.copies) {
-                const auto hit = newest.find(copy.sourcePath);
-                if (hit != newest.end() && hit->second == &copy)
-                    addCopy(folder, copy, wasEmpty);
-            }
-            return true;
-        });
-        m_plan.anyMatched = m_plan.anyMatched || any;
-        if (m_byDate && anyCopy && !any)
+        ArchiveWalk walk(m_files, m_place.root, archivePath);
+        while (const ArchiveFolder* const listing = walk.next()) {
+            CatalogFolder folder(m_files, m_place.root, walk.path(), *listing, m_reader);
+            anyCopy = anyCopy || !listing->copies().empty();
+            tree.copies +=
+                newestCopies(folder, walk.path(), *listing, m_plan.limitNs).copies.size();
+        }
+        m_plan.anyMatched = m_plan.anyMatched || tree.copies > 0;
+        if (m_byDate && anyCopy && tree.copies == 0)
             m_plan.notMatched.push_back(entry);
+        m_trees.push_back(std::move(tree));
     }
 
     void addFile(const std::string& entry)
     {
-        const FolderListing* listing = listingFor(std::string(platform::parentOf(entry)));
-        const CopyRecord* best = nullptr;
-        if (listing != nullptr)
-            best = m_byDate ? newestForDate(*listing, entry) : exactCopy(entry);
+        m_lateOnly = false;
+        OpenFolder* const folder = folderOf(std::string(platform::parentOf(entry)));
+        const ListedCopy* best = nullptr;
+        if (folder != nullptr)
+            best = m_byDate ? newestForDate(*folder, entry) : exactCopy(*folder, entry);
         if (best != nullptr) {
             m_plan.anyMatched = true;
-            addCopy(folderFor(*listing), *best, false);
+            addCopy(*folder, *best);
         } else if (!m_lateOnly) {
             m_plan.lost.push_back({entry, "the archive holds no such entry"});
         } else {
@@ -123,129 +191,101 @@ private:
     }
 
     // Several files can carry one entry where names hold marks of their own; the newest counts.
-    const CopyRecord* exactCopy(const std::string& entry)
+    static const ListedCopy* exactCopy(OpenFolder& folder, const std::string& entry)
     {
-        m_lateOnly = false;
-        const CopyRecord* best = nullptr;
-        const auto [from, to] = m_byEntry.equal_range(entry);
-        for (auto hit = from; hit != to; ++hit) {
-            if (best == nullptr || hit->second->savedNs > best->savedNs)
+        const ListedCopy* best = nullptr;
+        const std::size_t hash = std::hash<std::string>()(entry);
+        auto hit = std::lower_bound(
+            folder.byEntry.begin(), folder.byEntry.end(), hash,
+            [](const auto& known, std::size_t value) { return known.first < value; });
+        for (; hit != folder.byEntry.end() && hit->first == hash; ++hit) {
+            if (folder.catalog.entryOf(*hit->second) != entry)
+                continue;
+            if (best == nullptr ||
+                folder.catalog.metaOf(*hit->second).savedNs > folder.catalog.metaOf(*best).savedNs)
                 best = hit->second;
         }
         return best;
     }
 
     // The entry's tag does not decide: any copy of the same source does.
-    const CopyRecord* newestForDate(const FolderListing& listing, const std::string& entry)
+    const ListedCopy* newestForDate(OpenFolder& folder, const std::string& entry)
     {
-        m_lateOnly = false;
-        std::string source;
-        if (const CopyRecord* own = exactCopy(entry)) {
-            source = own->sourcePath;
-        } else {
-            const std::string_view head =
-                std::string_view(entry).substr(0, entry.size() - kTagBytes);
-            for (const CopyRecord& copy : listing.copies) {
-                if (copy.entry.size() == entry.size() && copy.entry.starts_with(head))
-                    source = copy.sourcePath;
-            }
+        const ListedCopy* const own = exactCopy(folder, entry);
+        std::optional<std::string_view> source;
+        if (own != nullptr)
+            source = own->sourceName;
+        const std::string_view head = std::string_view(entry).substr(0, entry.size() - kTagBytes);
+        for (const auto& [hash, copy] : folder.byEntry) {
+            if (own != nullptr)
+                break;
+            const auto known = folder.catalog.entryOf(*copy);
+            if (known && known->size() == entry.size() && known->starts_with(head))
+                source = copy->sourceName;
         }
-        const CopyRecord* best = nullptr;
-        for (const CopyRecord& copy : listing.copies) {
-            if (source.empty() || copy.sourcePath != source)
+        const ListedCopy* best = nullptr;
+        for (const auto& [hash, copy] : folder.byEntry) {
+            if (copy->sourceName != source)
                 continue;
             m_lateOnly = true;
-            if (copy.savedNs <= m_limitNs && (best == nullptr || copy.version > best->version))
-                best = &copy;
+            if (isSavedBefore(folder.catalog, *copy, m_plan.limitNs) &&
+                (best == nullptr || copy->version > best->version))
+                best = copy;
         }
         return best;
     }
 
-    // Entries of one folder come together, so one listing is kept.
-    const FolderListing* listingFor(const std::string& sourceFolder)
+    OpenFolder* folderOf(const std::string& sourceFolder)
     {
-        m_lateOnly = false;
-        if (m_listing && m_listing->sourcePath == sourceFolder)
-            return &*m_listing;
-        m_listing.reset();
-        m_byEntry.clear();
         const std::string archivePath = archivePathOf(m_place.root, sourceFolder);
-        if (!m_files.folderExists(archivePath))
-            return nullptr;
-        m_listing = listFolder(m_files, m_place.root, archivePath, false, m_reader);
-        for (const CopyRecord& copy : m_listing->copies)
-            m_byEntry.emplace(copy.entry, &copy);
-        return &*m_listing;
+        if (m_open && m_open->archivePath == archivePath)
+            return m_open.get();
+        m_open.reset();
+        if (m_files.folderExists(archivePath))
+            m_open = std::make_unique<OpenFolder>(m_files, m_place.root, archivePath, m_reader);
+        return m_open.get();
     }
 
-    ChosenFolder& folderFor(const FolderListing& listing)
+    // One target gets one copy: of several versions that were asked for, the newest.
+    void addCopy(const OpenFolder& from, const ListedCopy& copy)
     {
-        const auto [place, isNew] = m_index.emplace(listing.archivePath, m_plan.folders.size());
+        const auto [index, isNewFolder] =
+            m_index.emplace(from.archivePath, std::pair(m_plan.folders.size(), Targets()));
+        auto& [number, targets] = index->second;
+        if (isNewFolder)
+            m_plan.folders.push_back({from.archivePath, from.catalog.sourcePath(), {}, false});
+        ChosenFolder& folder = m_plan.folders[number];
+        const auto [place, isNew] =
+            targets.emplace(std::string(copy.sourceName), folder.copies.size());
         if (isNew)
-            m_plan.folders.push_back(
-                {listing.archivePath, listing.sourcePath, listing.folderRecord, {}, false});
-        return m_plan.folders[place->second];
-    }
-
-    // One target gets one copy: of several versions that were asked for, the newest. `isUnique`
-    // says that the folder's other copies come from the same listing, so nothing needs to be looked
-    // up; a whole archive would otherwise be held twice.
-    void addCopy(ChosenFolder& folder, const CopyRecord& copy, bool isUnique)
-    {
-        ChosenCopy next = chosen(copy);
-        if (isUnique) {
-            folder.copies.push_back(std::move(next));
-            return;
-        }
-        Targets& targets = m_targets[folder.archivePath];
-        for (std::size_t i = targets.size(); i < folder.copies.size(); ++i)
-            targets.emplace(folder.copies[i].sourceName(), i);
-        const auto [place, isNew] = targets.emplace(next.sourceName(), folder.copies.size());
-        if (isNew) {
-            folder.copies.push_back(std::move(next));
-            return;
-        }
-        ChosenCopy& present = folder.copies[place->second];
-        if (next.version > present.version)
-            present = std::move(next);
+            folder.copies.push_back(chosen(copy));
+        else if (copy.version > folder.copies[place->second].version)
+            folder.copies[place->second] = chosen(copy);
     }
 
     platform::FileSystem& m_files;
     const ArchivePlace& m_place;
-    std::int64_t m_limitNs = std::numeric_limits<std::int64_t>::max();
     bool m_byDate = false;
     bool m_lateOnly = false; // the last entry has copies, all of them after the date
     RestorePlan m_plan;
+    std::vector<Tree> m_trees; // as the entries name them
     CopyReader m_reader;
-    std::optional<FolderListing> m_listing;
-    std::unordered_multimap<std::string_view, const CopyRecord*> m_byEntry;
-    std::unordered_map<std::string, std::size_t> m_index;
-    std::unordered_map<std::string, Targets> m_targets; // by archive folder
+    std::unique_ptr<OpenFolder> m_open;
+    // By archive folder: its place in the plan, and what its targets are.
+    std::unordered_map<std::string, std::pair<std::size_t, Targets>> m_index;
 };
 
-void addListing(RestorePlan& plan, const FolderListing& listing)
+// The newest copy of each file of a settings group: a power cut can leave the one before it, too.
+void addSettings(RestorePlan& plan, ChosenFolder folder, const ArchiveFolder& listing)
 {
-    ChosenFolder folder{listing.archivePath, listing.sourcePath, listing.folderRecord, {}, false};
-    for (const CopyRecord& copy : listing.copies)
-        folder.copies.push_back(chosen(copy));
+    for (const ListedCopy& copy : listing.copies()) {
+        if (listing.newest(copy.sourceName) == &copy)
+            folder.copies.push_back(chosen(copy));
+    }
+    if (folder.copies.empty())
+        return;
     plan.copies += folder.copies.size();
     plan.folders.push_back(std::move(folder));
-}
-
-// The newest copy of each file of a settings group: a power cut can leave the one before it, too.
-FolderListing newestOf(const FolderListing& listing)
-{
-    std::map<std::string_view, const CopyRecord*> newest;
-    for (const CopyRecord& copy : listing.copies) {
-        const CopyRecord*& kept = newest[copy.sourcePath];
-        if (kept == nullptr || copy.savedNs > kept->savedNs)
-            kept = &copy;
-    }
-    FolderListing result{
-        listing.archivePath, listing.sourcePath, {}, listing.foreign, listing.folderRecord};
-    for (const auto& [path, copy] : newest)
-        result.copies.push_back(*copy);
-    return result;
 }
 
 } // namespace
@@ -267,50 +307,81 @@ RestorePlan planSettingsGroup(const platform::Machine& machine, const ArchivePla
     platform::FileSystem& files = machine.fileSystem;
     if (!files.folderExists(root))
         return plan;
-    CopyReader reader;
-    ChosenFolder top{root, {}, {}, {}, false};
-    const ArchiveFolder names(files.openFolder(root)->list());
-    for (const ListedCopy& copy : names.copies()) {
-        if (names.newest(copy.sourceName) != &copy)
-            continue; // left by a power cut
-        CopyRecord record;
-        record.archivePath = root + std::string(copy.fileName);
-        record.sourcePath = copy.sourceName;
-        record.form = copy.form;
-        record.sizeBytes = copy.meta ? copy.meta->sizeBytes : 0;
-        record.modifiedNs = copy.meta ? copy.meta->modifiedNs : 0;
-        top.copies.push_back(chosen(record));
-    }
-    plan.copies = top.copies.size();
-    if (!top.copies.empty())
-        plan.folders.push_back(std::move(top));
-    walkArchive(files, root, root, false, [&](const FolderListing& listing) {
-        if (!listing.copies.empty())
-            addListing(plan, newestOf(listing));
-        return true;
-    });
+    const ArchiveFolder top(files.openFolder(root)->list());
+    addSettings(plan, {root, {}, {}, false}, top);
+    ArchiveWalk walk(files, root, root);
+    while (const ArchiveFolder* const listing = walk.next())
+        addSettings(plan, {walk.path(), sourcePathOf(root, walk.path()), {}, false}, *listing);
     return plan;
 }
 
-RestorePlan planEverything(const platform::Machine& machine, const ArchivePlace& place,
-                           std::vector<std::string>& foreign)
+ChosenFolders::ChosenFolders(platform::FileSystem& files, std::string root, RestorePlan& plan)
+    : m_files(files), m_root(std::move(root)), m_limitNs(plan.limitNs),
+      m_folders(std::exchange(plan.folders, {})), m_trees(std::exchange(plan.trees, {}))
 {
-    RestorePlan plan;
-    platform::FileSystem& files = machine.fileSystem;
-    walkArchive(files, place.root, place.root, false, [&](const FolderListing& listing) {
-        for (const std::string& name : listing.foreign)
-            foreign.push_back(listing.archivePath + name);
-        if (!listing.copies.empty())
-            addListing(plan, listing);
-        return true;
-    });
-    for (const std::string_view group : kSettingsGroups) {
-        RestorePlan settings = planSettingsGroup(machine, place, group);
-        plan.copies += settings.copies;
-        std::move(settings.folders.begin(), settings.folders.end(),
-                  std::back_inserter(plan.folders));
+    std::reverse(m_folders.begin(), m_folders.end());
+    std::reverse(m_trees.begin(), m_trees.end());
+}
+
+std::optional<ChosenFolder> ChosenFolders::next()
+{
+    for (;;) {
+        if (m_walk) {
+            if (const ArchiveFolder* const listing = m_walk->next()) {
+                CatalogFolder folder(m_files, m_root, m_walk->path(), *listing, m_reader);
+                return newestCopies(folder, m_walk->path(), *listing, m_limitNs);
+            }
+            m_walk.reset();
+        }
+        if (!m_trees.empty()) {
+            m_walk.emplace(m_files, m_root, m_trees.back());
+            m_trees.pop_back();
+            continue;
+        }
+        if (m_folders.empty())
+            return std::nullopt;
+        ChosenFolder folder = std::move(m_folders.back());
+        m_folders.pop_back();
+        return folder;
     }
-    return plan;
+}
+
+AllCopies::AllCopies(const platform::Machine& machine, const ArchivePlace& place)
+    : m_machine(machine), m_place(place), m_walk(machine.fileSystem, place.root, place.root)
+{
+}
+
+std::optional<ChosenFolder> AllCopies::next(std::vector<std::string>& foreign)
+{
+    if (!m_walked) {
+        if (const ArchiveFolder* const listing = m_walk.next()) {
+            CatalogFolder folder(m_machine.fileSystem, m_place.root, m_walk.path(), *listing,
+                                 m_reader);
+            ChosenFolder result{m_walk.path(), folder.sourcePath(), {}, false};
+            result.copies.reserve(listing->copies().size());
+            for (const ListedCopy& copy : listing->copies()) {
+                if (folder.entryOf(copy))
+                    result.copies.push_back(chosen(copy));
+                else
+                    foreign.push_back(result.archivePath + std::string(copy.fileName));
+            }
+            for (const std::string_view name : listing->foreign())
+                foreign.push_back(result.archivePath + std::string(name));
+            return result;
+        }
+        m_walked = true;
+        for (const std::string_view group : kSettingsGroups) {
+            RestorePlan settings = planSettingsGroup(m_machine, m_place, group);
+            std::move(settings.folders.begin(), settings.folders.end(),
+                      std::back_inserter(m_settings));
+        }
+        std::reverse(m_settings.begin(), m_settings.end());
+    }
+    if (m_settings.empty())
+        return std::nullopt;
+    ChosenFolder folder = std::move(m_settings.back());
+    m_settings.pop_back();
+    return folder;
 }
 
 } // namespace vardelin::engine

@@ -4,10 +4,12 @@
 #include "base/keyed_collection.h"
 #include "platform/machine.h"
 #include "runs/engine/archive_place.h"
+#include "runs/engine/archive_walk.h"
 #include "runs/engine/copy_listing.h"
 #include "runs/engine/outcome.h"
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -36,19 +38,22 @@ struct ChosenCopy {
 };
 
 struct ChosenFolder {
-    std::string archivePath;  // ends in a backslash
-    std::string sourcePath;   // likewise; where the files came from
-    std::string folderRecord; // file name of the folder's own record; may be empty
+    std::string archivePath; // ends in a backslash
+    std::string sourcePath;  // likewise; where the files came from
     std::vector<ChosenCopy> copies;
     bool whole = false; // asked for as a folder: it is made even when it is empty
 };
 
+// What to restore. Single copies are held; what was asked for as a folder is held as its path
+// alone, and gone through once for the count here and once for the copies by ChosenFolders.
 struct RestorePlan {
-    std::vector<ChosenFolder> folders;
+    std::vector<ChosenFolder> folders; // of single entries
+    std::vector<std::string> trees;    // folders of the archive, none below another one
+    std::int64_t limitNs = std::numeric_limits<std::int64_t>::max(); // of the run that saved
     std::vector<Gap> lost;
     std::vector<std::string> notMatched;
     std::vector<std::string> settingsGroups; // asked for, in the order of the entries
-    std::uint64_t copies = 0;
+    std::uint64_t copies = 0;                // in folders and trees
     bool anyFileEntry = false;
     bool anyMatched = false; // a file entry has a copy for the date
 };
@@ -58,12 +63,46 @@ struct RestorePlan {
 RestorePlan planRestore(const platform::Machine& machine, const ArchivePlace& place,
                         const base::TextCollection& entries, std::optional<base::Date> asOf);
 
-// Every copy of the archive, settings included, for a check of all of them.
-RestorePlan planEverything(const platform::Machine& machine, const ArchivePlace& place,
-                           std::vector<std::string>& foreign);
-
 // The copies of one settings group; empty where nothing was saved.
 RestorePlan planSettingsGroup(const platform::Machine& machine, const ArchivePlace& place,
                               std::string_view group);
+
+// Gives the folders of a plan one after another, those of its trees as the archive lists them now.
+class ChosenFolders {
+public:
+    // The port must outlive this; `plan` gives its folders and trees away.
+    ChosenFolders(platform::FileSystem& files, std::string root, RestorePlan& plan);
+
+    // None at the end. Raises what listing the archive raises.
+    std::optional<ChosenFolder> next();
+
+private:
+    platform::FileSystem& m_files;
+    std::string m_root;
+    std::int64_t m_limitNs;
+    std::vector<ChosenFolder> m_folders; // the next one at the back
+    std::vector<std::string> m_trees;    // likewise
+    std::optional<ArchiveWalk> m_walk;
+    CopyReader m_reader;
+};
+
+// Gives every copy of an archive, settings included, for a check of all of them.
+class AllCopies {
+public:
+    // Both must outlive this.
+    AllCopies(const platform::Machine& machine, const ArchivePlace& place);
+
+    // None at the end. Names of files that are no copies are added to `foreign`. Raises what
+    // listing the archive raises.
+    std::optional<ChosenFolder> next(std::vector<std::string>& foreign);
+
+private:
+    const platform::Machine& m_machine;
+    const ArchivePlace& m_place;
+    ArchiveWalk m_walk;
+    CopyReader m_reader;
+    bool m_walked = false;
+    std::vector<ChosenFolder> m_settings; // the next one at the back
+};
 
 } // namespace vardelin::engine

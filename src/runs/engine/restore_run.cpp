@@ -6,6 +6,7 @@
 #include "platform/registry_text.h"
 #include "runs/engine/archive_place.h"
 #include "runs/engine/committer.h"
+#include "runs/engine/copy_feed.h"
 #include "runs/engine/copy_restorer.h"
 #include "runs/engine/event_queue.h"
 #include "runs/engine/folder_rights.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -30,39 +32,6 @@ using base::RuntimeError;
 using platform::Folder;
 
 constexpr double kWholeRestore = 100; // the increments of a restore add up to this
-constexpr std::size_t kBatchCopies = 64;
-constexpr std::uint64_t kBatchBytes = 8 * 1024 * 1024;
-
-struct Batch {
-    std::size_t folder = 0;
-    std::size_t first = 0;
-    std::size_t count = 0;
-};
-
-std::vector<Batch> batchesOf(const RestorePlan& plan)
-{
-    std::vector<Batch> batches;
-    for (std::size_t f = 0; f < plan.folders.size(); ++f) {
-        const auto& copies = plan.folders[f].copies;
-        std::uint64_t bytes = 0;
-        for (std::size_t i = 0; i < copies.size(); ++i) {
-            const bool joins = i > 0 && batches.back().count < kBatchCopies &&
-                               bytes + copies[i].sizeBytes <= kBatchBytes;
-            if (joins) {
-                ++batches.back().count;
-                bytes += copies[i].sizeBytes;
-            } else {
-                batches.push_back({f, i, 1});
-                bytes = copies[i].sizeBytes;
-            }
-        }
-        // A folder that was asked for is made even when nothing is in it.
-        if (copies.empty() && plan.folders[f].whole)
-            batches.push_back({f, 0, 0});
-    }
-    return batches;
-}
-
 class RestoreRun {
 public:
     RestoreRun(const platform::Machine& machine, const std::string& appPath,
@@ -139,21 +108,21 @@ private:
                                  fail(copy.sourcePath, error);
                              }});
         HardLinks links;
-        const auto batches = batchesOf(plan);
-        std::atomic<std::size_t> next = 0;
-        const std::size_t count = workerCount(batches.size());
+        ChosenFolders folders(m_files, m_place.root, plan);
+        CopyFeed feed([&] { return folders.next(); });
+        const std::size_t count = workerCount(plan.copies);
         {
             EventQueue events;
             Workers workers(m_stop);
             workers.start(count, events, [&] {
                 try {
                     CopyRestorer restorer(m_serial);
-                    for (;;) {
-                        const std::size_t index = next++;
-                        if (index >= batches.size() || m_stop)
+                    while (!m_stop) {
+                        const auto batch = feed.next();
+                        if (!batch)
                             return;
-                        restoreBatch(plan.folders[batches[index].folder], batches[index], restorer,
-                                     targets, committer, links, events);
+                        restoreBatch(*batch->folder, *batch, restorer, targets, committer, links,
+                                     events);
                     }
                 } catch (...) {
                     const std::lock_guard lock(m_mutex);
@@ -180,7 +149,7 @@ private:
             std::rethrow_exception(m_failure);
     }
 
-    void restoreBatch(const ChosenFolder& place, const Batch& batch, CopyRestorer& restorer,
+    void restoreBatch(const ChosenFolder& place, const CopyBatch& batch, CopyRestorer& restorer,
                       TargetFolders& targets, Committer& committer, HardLinks& links,
                       EventQueue& events)
     {
@@ -253,7 +222,7 @@ private:
         m_report.bytesRestored += bytes;
     }
 
-    void failAll(const ChosenFolder& place, const Batch& batch, const RuntimeError& error)
+    void failAll(const ChosenFolder& place, const CopyBatch& batch, const RuntimeError& error)
     {
         if (batch.count == 0)
             fail(place.sourcePath, error);
@@ -378,56 +347,66 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
                            "the profile has no archive yet");
     const auto lock = machine.fileSystem.lockFolder(place.root);
     VerifyReport report;
-    const RestorePlan plan = planEverything(machine, place, report.foreign);
-    std::vector<Batch> batches;
+    AllCopies copies(machine, place);
+    std::vector<std::string> foreign; // the feed's, as is `share`
     // Spread evenly: each copy adds its share, and is read when a whole one has come together.
     int share = 0;
-    for (std::size_t f = 0; f < plan.folders.size(); ++f) {
-        for (std::size_t i = 0; i < plan.folders[f].copies.size(); ++i) {
-            share += std::clamp(samplePercent, 1, 100);
-            if (share < 100)
-                continue;
-            share -= 100;
-            if (!batches.empty() && batches.back().folder == f &&
-                batches.back().first + batches.back().count == i &&
-                batches.back().count < kBatchCopies)
-                ++batches.back().count;
-            else
-                batches.push_back({f, i, 1});
-        }
-    }
-    std::atomic<std::size_t> next = 0;
+    CopyFeed feed([&] {
+        auto folder = copies.next(foreign);
+        if (folder)
+            std::erase_if(folder->copies, [&](const ChosenCopy&) {
+                share += std::clamp(samplePercent, 1, 100);
+                if (share < 100)
+                    return true;
+                share -= 100;
+                return false;
+            });
+        return folder;
+    });
     bool cancelled = false;
     std::atomic<bool> stop = false;
-    std::mutex mutex; // guards report
-    const std::size_t count = workerCount(batches.size());
+    std::mutex mutex; // guards report and failure
+    std::exception_ptr failure;
+    const std::size_t count = workerCount(std::numeric_limits<std::size_t>::max());
     {
         EventQueue events;
         Workers workers(stop);
-        workers.start(count, events, [&] {
-            std::atomic<std::uint64_t> none = 0;
-            CopyRestorer restorer(none);
-            for (std::size_t index = next++; index < batches.size() && !stop; index = next++) {
-                const Batch& batch = batches[index];
-                const ChosenFolder& folder = plan.folders[batch.folder];
-                for (std::size_t i = batch.first; i < batch.first + batch.count && !stop; ++i) {
-                    const ChosenCopy& copy = folder.copies[i];
-                    std::string path = folder.archivePath + copy.fileName;
-                    events.fileBegins(path);
-                    std::string damage;
-                    std::uint64_t bytes = 0;
-                    try {
-                        const auto archive = machine.fileSystem.openFolder(folder.archivePath);
-                        bytes = restorer.check(*archive, folder.sourcePath, copy);
-                    } catch (const RuntimeError& error) {
-                        damage = error.reason().empty() ? error.what() : error.reason();
-                    }
-                    const std::lock_guard guard(mutex);
-                    ++report.copiesChecked;
-                    report.bytesChecked += bytes;
-                    if (!damage.empty())
-                        report.damaged.push_back({std::move(path), std::move(damage)});
+        const auto checkBatch = [&](const CopyBatch& batch, CopyRestorer& restorer) {
+            const ChosenFolder& folder = *batch.folder;
+            for (std::size_t i = batch.first; i < batch.first + batch.count && !stop; ++i) {
+                const ChosenCopy& copy = folder.copies[i];
+                std::string path = folder.archivePath + copy.fileName;
+                events.fileBegins(path);
+                std::string damage;
+                std::uint64_t bytes = 0;
+                try {
+                    const auto archive = machine.fileSystem.openFolder(folder.archivePath);
+                    bytes = restorer.check(*archive, folder.sourcePath, copy);
+                } catch (const RuntimeError& error) {
+                    damage = error.reason().empty() ? error.what() : error.reason();
                 }
+                const std::lock_guard guard(mutex);
+                ++report.copiesChecked;
+                report.bytesChecked += bytes;
+                if (!damage.empty())
+                    report.damaged.push_back({std::move(path), std::move(damage)});
+            }
+        };
+        workers.start(count, events, [&] {
+            try {
+                std::atomic<std::uint64_t> none = 0;
+                CopyRestorer restorer(none);
+                while (!stop) {
+                    const auto batch = feed.next();
+                    if (!batch)
+                        return;
+                    checkBatch(*batch, restorer);
+                }
+            } catch (...) {
+                const std::lock_guard guard(mutex);
+                if (!failure)
+                    failure = std::current_exception();
+                stop = true;
             }
         });
         events.pump(
@@ -440,6 +419,9 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
             },
             [](double) {});
     }
+    if (failure)
+        std::rethrow_exception(failure);
+    report.foreign = std::move(foreign);
     std::sort(report.damaged.begin(), report.damaged.end(),
               [](const Gap& a, const Gap& b) { return a.path < b.path; });
     report.outcome = outcomeOf({.failed = false,
