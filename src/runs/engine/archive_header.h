@@ -3,6 +3,7 @@
 #include "archive/entry_names.h"
 #include "platform/file_system.h"
 #include "runs/engine/content_hash.h"
+#include "runs/engine/key_slot.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -49,6 +50,8 @@ struct CopyHeader {
     // Names that are one file share this text; empty for a file with one name.
     std::string linkGroup;
     std::vector<platform::ExtendedAttribute> attributes;
+    // Of the password that was in force; an encrypted copy has it in front of the sealed header.
+    KeySlot slot;
 };
 
 // The whole header frame. Its length depends on the texts and attributes alone, so a header written
@@ -70,6 +73,8 @@ struct BodyFrame {
     std::uint64_t packedHash = 0; // XXH3-64 of the frame's own bytes
 };
 
+// The length of the whole index frame of so many frames.
+std::size_t indexFrameBytes(std::size_t count);
 std::string encodeIndex(const std::vector<BodyFrame>& frames);
 std::vector<BodyFrame> decodeIndex(std::span<const std::byte> frame); // raises 57 likewise
 

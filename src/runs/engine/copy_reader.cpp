@@ -2,8 +2,10 @@
 
 #include "base/runtime_error.h"
 #include "runs/engine/copy_writer.h"
+#include "runs/engine/encrypted_copy.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,7 +28,8 @@ constexpr std::size_t kBlockBytes = 256 * 1024;
 } // namespace
 
 struct CopyReader::State {
-    State() : decoder(ZSTD_createDCtx()), packed(XXH3_createState())
+    explicit State(const KeyRing* keys)
+        : ring(keys), decoder(ZSTD_createDCtx()), packed(XXH3_createState())
     {
         in.resize(kBlockBytes);
         out.resize(ZSTD_DStreamOutSize() * 4);
@@ -39,9 +42,9 @@ struct CopyReader::State {
     State(const State&) = delete;
     State& operator=(const State&) = delete;
 
-    // Reads the file's beginning into `in` and gives the header; `headBytes` and `have` tell how
-    // much of `in` the header takes and how much there is.
-    CopyHeader begin(platform::File& file)
+    // Reads the file's beginning into `in`; `headBytes` and `have` tell how much of `in` the header
+    // takes and how much there is.
+    std::span<const std::byte> head(platform::File& file)
     {
         // The size saves the read that would only find the end.
         fileBytes = file.info().sizeBytes;
@@ -55,7 +58,32 @@ struct CopyReader::State {
             if (have < headBytes)
                 damaged("its header is cut off");
         }
-        return decodeHeader(std::span(in).first(headBytes));
+        return std::span(in).first(headBytes);
+    }
+
+    CopyHeader begin(platform::File& file)
+    {
+        key.reset();
+        const auto bytes = head(file);
+        if (!isEncrypted(bytes))
+            return decodeHeader(bytes);
+        if (ring == nullptr) {
+            ownRing = std::make_unique<KeyRing>();
+            ring = ownRing.get();
+        }
+        OpenedHeader opened = openOuterHeader(bytes, *ring);
+        key = opened.fileKey;
+        return std::move(opened.header);
+    }
+
+    // Where a whole file ends.
+    std::uint64_t endOf(const CopyHeader& header) const
+    {
+        const std::uint64_t index = header.frameCount > 1 ? indexFrameBytes(header.frameCount) : 0;
+        if (!key)
+            return headBytes + header.bodyBytes + index;
+        return headBytes + sealedBodyBytes(header.bodyBytes) +
+               (index > 0 ? sealedIndexBytes(index) : 0);
     }
 
     // Reads until the buffer is full or the file ends.
@@ -85,11 +113,9 @@ struct CopyReader::State {
         if (header.frameCount <= 1) {
             if (header.frameCount == 1 && packedHashes.front() != header.bodyHash)
                 damaged("its content does not match its checksum");
-            if (fileBytes != headBytes + header.bodyBytes)
-                damaged("it is longer than its header says");
             return;
         }
-        const auto frames = readIndex(file, header, headBytes);
+        const auto frames = readIndex(file, header, headBytes, key ? &*key : nullptr);
         const bool same = std::equal(
             frames.begin(), frames.end(), packedHashes.begin(), packedHashes.end(),
             [](const BodyFrame& frame, std::uint64_t read) { return frame.packedHash == read; });
@@ -97,6 +123,9 @@ struct CopyReader::State {
             damaged("its content does not match its index");
     }
 
+    const KeyRing* ring;
+    std::unique_ptr<KeyRing> ownRing;
+    std::optional<SecretKey> key; // of the file, where it is encrypted
     ZSTD_DCtx* decoder;
     ContentHasher hash;   // of the content
     XXH3_state_t* packed; // of the frame that is being read
@@ -108,13 +137,29 @@ struct CopyReader::State {
     std::size_t have = 0;
 };
 
-CopyReader::CopyReader() : m_state(std::make_unique<State>()) {}
+CopyReader::CopyReader(const KeyRing* ring) : m_state(std::make_unique<State>(ring)) {}
 
 CopyReader::~CopyReader() = default;
 
 CopyHeader CopyReader::readHeader(platform::File& file)
 {
     return m_state->begin(file);
+}
+
+KeySlot CopyReader::readSlot(platform::File& file)
+{
+    const auto bytes = m_state->head(file);
+    return isEncrypted(bytes) ? slotOfOuterHeader(bytes) : decodeHeader(bytes).slot;
+}
+
+std::uint64_t CopyReader::bodyOffset() const
+{
+    return m_state->headBytes;
+}
+
+const SecretKey* CopyReader::fileKey() const
+{
+    return m_state->key ? &*m_state->key : nullptr;
 }
 
 CopyHeader CopyReader::read(platform::File& file, const ContentSink& sink)
@@ -129,6 +174,8 @@ void CopyReader::readContent(platform::File& file, const CopyHeader& header,
 {
     State& state = *m_state;
     state.packedHashes.clear();
+    if (state.fileBytes != state.endOf(header))
+        damaged("it is shorter or longer than its header says");
     if (header.frameCount == 0) {
         state.checkFrames(file, header);
         return;
@@ -142,11 +189,17 @@ void CopyReader::readContent(platform::File& file, const CopyHeader& header,
     std::uint64_t produced = 0;
     std::size_t from = state.headBytes;
     bool frameOpen = true;
+    std::optional<BodyOpener> opener;
+    if (state.key) {
+        opener.emplace(file, state.headBytes, header.bodyBytes, *state.key);
+        state.have = state.headBytes; // what lies behind the header in `in` is sealed
+    }
     while (bodyLeft > 0) {
         if (from == state.have) {
             const std::size_t want =
                 static_cast<std::size_t>(std::min<std::uint64_t>(bodyLeft, kBlockBytes));
-            state.have = State::fill(file, fileOffset, std::span(state.in).first(want));
+            const auto room = std::span(state.in).first(want);
+            state.have = opener ? opener->read(room) : State::fill(file, fileOffset, room);
             if (state.have == 0)
                 damaged("its content is cut off");
             fileOffset += state.have;

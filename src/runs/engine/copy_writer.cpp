@@ -39,6 +39,55 @@ struct HashKey {
     }
 };
 
+constexpr std::size_t kSealedBlock = 1024 * 1024;
+
+// The body of the archive file that is being written, sealed on its way where there is a key.
+class BodyOutput {
+public:
+    BodyOutput(platform::File& target, const SecretKey* fileKey) : m_target(target)
+    {
+        if (fileKey != nullptr)
+            m_sealer.emplace(*fileKey);
+    }
+
+    void write(std::span<const std::byte> bytes)
+    {
+        if (!m_sealer) {
+            m_target.write(bytes);
+            return;
+        }
+        m_sealer->add(bytes, m_sealed);
+        if (m_sealed.size() >= kSealedBlock)
+            flush();
+    }
+    // Bytes that lie in another archive file; `bytes` are the same, read already.
+    void take(platform::File& source, std::uint64_t offset, std::span<const std::byte> bytes)
+    {
+        if (m_sealer)
+            write(bytes);
+        else
+            m_target.appendRange(source, offset, bytes.size());
+    }
+    void finish()
+    {
+        if (!m_sealer)
+            return;
+        m_sealer->finish(m_sealed);
+        flush();
+    }
+
+private:
+    void flush()
+    {
+        m_target.write(m_sealed);
+        m_sealed.clear();
+    }
+
+    platform::File& m_target;
+    std::optional<BodySealer> m_sealer;
+    std::vector<std::byte> m_sealed;
+};
+
 // Where an earlier copy's frames lie, by content.
 class FrameMap {
 public:
@@ -48,27 +97,29 @@ public:
             return;
         std::uint64_t offset = earlier->bodyOffset;
         for (const BodyFrame& frame : earlier->frames) {
-            m_offsets.emplace(frame.rawHash, Place{offset, frame});
+            m_places[frame.rawHash].push_back({offset, frame});
             offset += frame.packedBytes;
         }
     }
 
-    // Appends the frame to `target` where the earlier copy holds it whole: one that was damaged on
+    // Appends the frame to `output` where the earlier copy holds it whole: one that was damaged on
     // the disk is never taken over, since the source can still give it anew.
     std::optional<BodyFrame> take(const archive::ContentHash& hash, std::size_t rawBytes,
-                                  platform::File& target, std::vector<std::byte>& buffer) const
+                                  BodyOutput& output, std::vector<std::byte>& buffer)
     {
-        const auto hit = m_offsets.find(hash);
-        if (hit == m_offsets.end() || hit->second.frame.rawBytes != rawBytes)
+        const Place* const place = find(hash);
+        if (place == nullptr || place->frame.rawBytes != rawBytes)
             return std::nullopt;
-        const Place& place = hit->second;
-        if (buffer.size() < place.frame.packedBytes)
-            buffer.resize(place.frame.packedBytes);
-        const auto packed = std::span(buffer).first(place.frame.packedBytes);
-        if (!readWhole(place.offset, packed) || packedHashOf(packed) != place.frame.packedHash)
+        if (buffer.size() < place->frame.packedBytes)
+            buffer.resize(place->frame.packedBytes);
+        const auto packed = std::span(buffer).first(place->frame.packedBytes);
+        if (!readWhole(place->offset, packed) || packedHashOf(packed) != place->frame.packedHash)
             return std::nullopt;
-        target.appendRange(m_earlier->file, place.offset, place.frame.packedBytes);
-        return place.frame;
+        if (m_earlier->opener != nullptr)
+            output.write(packed);
+        else
+            output.take(m_earlier->file, place->offset, packed);
+        return place->frame;
     }
 
 private:
@@ -76,9 +127,29 @@ private:
         std::uint64_t offset = 0;
         BodyFrame frame;
     };
-    bool readWhole(std::uint64_t offset, std::span<std::byte> buffer) const
+
+    // The first place of a content; in a sealed body the first that is not passed yet.
+    const Place* find(const archive::ContentHash& hash) const
+    {
+        const auto hit = m_places.find(hash);
+        if (hit == m_places.end() || m_isBroken)
+            return nullptr;
+        const std::vector<Place>& places = hit->second;
+        if (m_earlier->opener == nullptr)
+            return &places.front();
+        const auto next = std::lower_bound(
+            places.begin(), places.end(), m_earlier->opener->position(),
+            [](const Place& place, std::uint64_t at) { return place.offset < at; });
+        return next == places.end() ? nullptr : &*next;
+    }
+
+    bool readWhole(std::uint64_t offset, std::span<std::byte> buffer)
     {
         try {
+            if (m_earlier->opener != nullptr) {
+                m_earlier->opener->skipTo(offset);
+                return m_earlier->opener->read(buffer) == buffer.size();
+            }
             while (!buffer.empty()) {
                 const std::size_t n = m_earlier->file.readAt(offset, buffer);
                 if (n == 0)
@@ -88,12 +159,15 @@ private:
             }
             return true;
         } catch (const RuntimeError&) {
+            // A sealed body opens no further behind a damage.
+            m_isBroken = m_earlier->opener != nullptr;
             return false;
         }
     }
 
     const EarlierBody* m_earlier;
-    std::unordered_map<archive::ContentHash, Place, HashKey> m_offsets;
+    bool m_isBroken = false;
+    std::unordered_map<archive::ContentHash, std::vector<Place>, HashKey> m_places;
 };
 
 // Walks a file's stretches of data so that large holes can be told from data.
@@ -137,7 +211,7 @@ private:
 } // namespace
 
 struct CopyWriter::State {
-    explicit State(int level) : compressor(ZSTD_createCCtx())
+    State(int level, const WriteKey& writeKey) : key(writeKey), compressor(ZSTD_createCCtx())
     {
         check(ZSTD_CCtx_setParameter(compressor, ZSTD_c_compressionLevel, level));
         check(ZSTD_CCtx_setParameter(compressor, ZSTD_c_checksumFlag, 1));
@@ -145,6 +219,16 @@ struct CopyWriter::State {
     ~State() { ZSTD_freeCCtx(compressor); }
     State(const State&) = delete;
     State& operator=(const State&) = delete;
+
+    // What a header says of the password: an encrypted copy's stands in front of its header.
+    KeySlot slotInHeader() const { return key.encrypt ? KeySlot{} : key.slot; }
+
+    // The header of an encrypted copy under a new key, at the beginning of `sealed`.
+    void startSealed(const CopyHeader& header, const SecretKey& fileKey)
+    {
+        const std::string head = encodeOuterHeader(header, key, fileKey);
+        sealed.assign(view(head).begin(), view(head).end());
+    }
 
     // Packs one frame into `packed` from `offset` on; gives its length.
     std::size_t pack(std::span<const std::byte> content, std::size_t offset)
@@ -170,15 +254,20 @@ struct CopyWriter::State {
         packedZeros.assign(packed.begin(), packed.begin() + static_cast<std::ptrdiff_t>(n));
     }
 
+    WriteKey key;
     ZSTD_CCtx* compressor;
     std::vector<std::byte> packed;
+    std::vector<std::byte> sealed;
     std::vector<std::byte> raw;
     std::vector<std::byte> zeros;
     std::vector<std::byte> packedZeros;
     archive::ContentHash zerosHash{};
 };
 
-CopyWriter::CopyWriter(int compressionLevel) : m_state(std::make_unique<State>(compressionLevel)) {}
+CopyWriter::CopyWriter(int compressionLevel, const WriteKey& key)
+    : m_state(std::make_unique<State>(compressionLevel, key))
+{
+}
 
 CopyWriter::~CopyWriter() = default;
 
@@ -189,6 +278,18 @@ std::span<const std::byte> CopyWriter::packWhole(CopyHeader& header,
     header.contentHash = hashOf(content);
     header.frameCount = 1;
     header.bodyBytes = 0;
+    header.slot = m_state->slotInHeader();
+    if (m_state->key.encrypt) {
+        header.bodyBytes = m_state->pack(content, 0);
+        const auto body = std::span<const std::byte>(m_state->packed).first(header.bodyBytes);
+        header.bodyHash = packedHashOf(body);
+        const SecretKey fileKey = SecretKey::random();
+        m_state->startSealed(header, fileKey);
+        BodySealer sealer(fileKey);
+        sealer.add(body, m_state->sealed);
+        sealer.finish(m_state->sealed);
+        return m_state->sealed;
+    }
     const std::size_t headBytes = encodeHeader(header).size();
     header.bodyBytes = m_state->pack(content, headBytes);
     header.bodyHash = packedHashOf(
@@ -198,8 +299,13 @@ std::span<const std::byte> CopyWriter::packWhole(CopyHeader& header,
     return std::span(m_state->packed).first(headBytes + header.bodyBytes);
 }
 
-std::span<const std::byte> CopyWriter::packEmpty(const CopyHeader& header)
+std::span<const std::byte> CopyWriter::packEmpty(CopyHeader header)
 {
+    header.slot = m_state->slotInHeader();
+    if (m_state->key.encrypt) {
+        m_state->startSealed(header, SecretKey::random());
+        return m_state->sealed;
+    }
     const std::string head = encodeHeader(header);
     if (m_state->packed.size() < head.size())
         m_state->packed.resize(head.size());
@@ -212,12 +318,21 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
 {
     State& state = *m_state;
     HoleFinder holes(source, onSource([&] { return source.info(); }));
-    const FrameMap earlierFrames(earlier);
+    FrameMap earlierFrames(earlier);
     ContentHasher wholeHash;
     std::vector<BodyFrame> frames;
     header.sizeBytes = 0;
     header.bodyBytes = 0;
-    target.write(view(encodeHeader(header)));
+    header.slot = state.slotInHeader();
+    std::optional<SecretKey> fileKey;
+    if (state.key.encrypt) {
+        // Zeros keep the place: the header is sealed once, when all of it is known.
+        fileKey = SecretKey::random();
+        target.write(std::vector<std::byte>(outerHeaderBytes(encodeHeader(header).size())));
+    } else {
+        target.write(view(encodeHeader(header)));
+    }
+    BodyOutput output(target, fileKey ? &*fileKey : nullptr);
 
     state.raw.resize(kLargestFrame);
     std::size_t filled = 0;   // bytes of state.raw that wait for a cut
@@ -234,7 +349,7 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
         // Packed before the view is taken: packing may move the buffer.
         const std::size_t packedBytes = state.pack(content, 0);
         const auto packed = std::span<const std::byte>(state.packed).first(packedBytes);
-        target.write(packed);
+        output.write(packed);
         keepFrame({static_cast<std::uint32_t>(content.size()),
                    static_cast<std::uint32_t>(packed.size()), hash, packedHashOf(packed)});
     };
@@ -253,7 +368,7 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
             const auto piece = std::span<const std::byte>(state.raw).first(cut);
             wholeHash.add(piece);
             const archive::ContentHash hash = hashOf(piece);
-            if (const auto taken = earlierFrames.take(hash, cut, target, state.packed))
+            if (const auto taken = earlierFrames.take(hash, cut, output, state.packed))
                 keepFrame(*taken);
             else
                 writeFrame(piece, hash);
@@ -267,7 +382,7 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
             const auto zeros = std::span<const std::byte>(state.zeros).first(length);
             wholeHash.add(zeros);
             if (length == kHoleBytes) {
-                target.write(state.packedZeros);
+                output.write(state.packedZeros);
                 keepFrame({kHoleBytes, static_cast<std::uint32_t>(state.packedZeros.size()),
                            state.zerosHash, packedHashOf(state.packedZeros)});
             } else {
@@ -290,9 +405,13 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
     header.contentHash = wholeHash.result();
     header.frameCount = static_cast<std::uint32_t>(frames.size());
     header.bodyHash = frames.size() == 1 ? frames.front().packedHash : 0;
-    if (frames.size() > 1)
-        target.write(view(encodeIndex(frames)));
-    target.writeAt(0, view(encodeHeader(header)));
+    output.finish();
+    if (frames.size() > 1) {
+        const std::string index = encodeIndex(frames);
+        target.write(view(fileKey ? sealIndex(index, *fileKey) : index));
+    }
+    target.writeAt(
+        0, view(fileKey ? encodeOuterHeader(header, state.key, *fileKey) : encodeHeader(header)));
     return true;
 }
 
@@ -342,11 +461,12 @@ bool CopyWriter::copyPlain(CopyHeader& header, platform::File& source, platform:
 }
 
 std::vector<BodyFrame> readIndex(platform::File& file, const CopyHeader& header,
-                                 std::uint64_t bodyOffset)
+                                 std::uint64_t bodyOffset, const SecretKey* fileKey)
 {
     if (header.frameCount <= 1)
         return {};
-    const std::uint64_t offset = bodyOffset + header.bodyBytes;
+    const std::uint64_t offset =
+        bodyOffset + (fileKey != nullptr ? sealedBodyBytes(header.bodyBytes) : header.bodyBytes);
     const std::uint64_t size = file.info().sizeBytes;
     if (offset >= size || size - offset > kLargestHeader)
         throw RuntimeError(base::error_number::kDeviceIo, {}, "its index is cut off");
@@ -358,7 +478,10 @@ std::vector<BodyFrame> readIndex(platform::File& file, const CopyHeader& header,
             throw RuntimeError(base::error_number::kDeviceIo, {}, "its index is cut off");
         have += n;
     }
-    return decodeIndex(bytes);
+    if (fileKey == nullptr)
+        return decodeIndex(bytes);
+    const std::string index = openIndex(bytes, *fileKey);
+    return decodeIndex(view(index));
 }
 
 } // namespace vardelin::engine

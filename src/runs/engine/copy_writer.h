@@ -3,6 +3,7 @@
 #include "base/runtime_error.h"
 #include "platform/file_system.h"
 #include "runs/engine/archive_header.h"
+#include "runs/engine/encrypted_copy.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -39,6 +40,8 @@ struct EarlierBody {
     platform::File& file;
     std::uint64_t bodyOffset = 0;
     std::vector<BodyFrame> frames;
+    // Of an encrypted copy: its body, which opens forwards only.
+    BodyOpener* opener = nullptr;
 };
 
 // Called every 4 MiB inside a file; gives false to stop it.
@@ -48,7 +51,8 @@ using Progress = std::function<bool()>;
 // one to the next. For one thread.
 class CopyWriter {
 public:
-    explicit CopyWriter(int compressionLevel);
+    // `key` says whether copies are encrypted, and which slot they carry.
+    explicit CopyWriter(int compressionLevel, const WriteKey& key = {});
     ~CopyWriter();
     CopyWriter(const CopyWriter&) = delete;
     CopyWriter& operator=(const CopyWriter&) = delete;
@@ -58,7 +62,7 @@ public:
     std::span<const std::byte> packWhole(CopyHeader& header, std::span<const std::byte> content);
 
     // The bytes of an archive file without a body: links and folder records.
-    std::span<const std::byte> packEmpty(const CopyHeader& header);
+    std::span<const std::byte> packEmpty(CopyHeader header);
 
     // Reads `source` to its end and writes the whole archive file to `target`, an empty file; fills
     // in the header's size, checksum and body. Holes stay cheap. False where `progress` stopped it.
@@ -74,9 +78,9 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-// The frames of an archive file that is open for reading; empty where it has no index. Raises 57
-// for a damaged header or index.
+// The frames of an archive file that is open for reading; empty where it has no index. `fileKey` is
+// that of an encrypted copy, else null. Raises 57 for a damaged index.
 std::vector<BodyFrame> readIndex(platform::File& file, const CopyHeader& header,
-                                 std::uint64_t bodyOffset);
+                                 std::uint64_t bodyOffset, const SecretKey* fileKey = nullptr);
 
 } // namespace vardelin::engine
