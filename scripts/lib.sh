@@ -15,6 +15,9 @@ build_packages=(
     libzstd-dev libsodium-dev libxxhash-dev libsqlite3-dev libfmt-dev libcli11-dev
     nlohmann-json3-dev libarchive-dev shared-mime-info zstd
 )
+# What the window takes; nothing else needs Qt.
+# shellcheck disable=SC2034
+window_packages=(qt6-base-dev qt6-svg-dev)
 # shellcheck disable=SC2034
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev clang clang-format clang-tidy

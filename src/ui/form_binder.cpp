@@ -1,0 +1,288 @@
+#include "ui/form_binder.h"
+
+#include "ui/list_model.h"
+#include "ui/shown_text.h"
+
+#include <utility>
+
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QTimeEdit>
+
+namespace vardelin::ui {
+namespace {
+
+constexpr int kFirstTyped = 0x20; // below are keys that move or delete, backspace among them
+constexpr int kBackspace = 8;
+
+QDate dateOf(const base::DateTime& value)
+{
+    return {value.date.year, value.date.month, value.date.day};
+}
+
+QTime timeOf(const base::DateTime& value)
+{
+    return {value.time.hour, value.time.minute, value.time.second};
+}
+
+} // namespace
+
+FormBinder::FormBinder(QObject* parent) : QObject(parent) {}
+
+FormBinder::~FormBinder() = default;
+
+void FormBinder::run(const Handler& handler)
+{
+    if (m_showing)
+        return;
+    if (handler)
+        handler();
+    show();
+}
+
+void FormBinder::show()
+{
+    if (m_showing)
+        return;
+    m_showing = true;
+    for (const Handler& one : m_shows)
+        one();
+    m_showing = false;
+}
+
+void FormBinder::also(Handler show)
+{
+    m_shows.push_back(std::move(show));
+}
+
+void FormBinder::button(QAbstractButton& widget, state::Button& record, Handler click)
+{
+    connect(&widget, &QAbstractButton::clicked, this,
+            [this, click = std::move(click)] { run(click); });
+    also([&widget, &record] {
+        if (!record.caption.empty())
+            widget.setText(shown(record.caption));
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+void FormBinder::checkBox(QCheckBox& widget, state::CheckBox& record, Handler click)
+{
+    connect(&widget, &QCheckBox::clicked, this, [this, &record, click = std::move(click)](bool on) {
+        record.value = on ? 1 : 0;
+        run(click);
+    });
+    also([&widget, &record] {
+        widget.setChecked(record.value != 0);
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+void FormBinder::optionButton(QRadioButton& widget, state::OptionButton& record, Handler choose,
+                              Handler click)
+{
+    // The record's group is the one that counts; Qt's own grouping could not show that none is on.
+    widget.setAutoExclusive(false);
+    connect(&widget, &QRadioButton::clicked, this,
+            [this, choose = std::move(choose), click = std::move(click)] {
+                choose();
+                run(click);
+            });
+    also([&widget, &record] {
+        widget.setChecked(record.value);
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+void FormBinder::textBox(QLineEdit& widget, state::TextBox& record, TextHandlers handlers)
+{
+    connect(&widget, &QLineEdit::textEdited, this,
+            [this, &record, change = handlers.change](const QString& text) {
+                record.text = typed(text);
+                run(change);
+            });
+    m_texts.push_back({&widget, std::move(handlers)});
+    widget.installEventFilter(this);
+    also([&widget, &record] {
+        const QString text = shown(record.text);
+        // Writing the same text or limit would move the cursor to the end.
+        if (widget.text() != text)
+            widget.setText(text);
+        constexpr int kUnlimited = 32767;
+        const int limit = record.maxLength > 0 ? record.maxLength : kUnlimited;
+        if (widget.maxLength() != limit)
+            widget.setMaxLength(limit);
+        widget.setReadOnly(record.locked);
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+void FormBinder::comboBox(QComboBox& widget, state::ComboBox& record, Handler click)
+{
+    connect(&widget, &QComboBox::activated, this,
+            [this, &record, click = std::move(click)](int row) {
+                if (row < 0 || static_cast<std::size_t>(row) >= record.items.size())
+                    return;
+                record.text = record.items[static_cast<std::size_t>(row)];
+                run(click);
+            });
+    also([&widget, &record] {
+        const QSignalBlocker quiet(widget);
+        bool same = static_cast<std::size_t>(widget.count()) == record.items.size();
+        for (int i = 0; same && i < widget.count(); ++i)
+            same = widget.itemText(i) == shown(record.items[static_cast<std::size_t>(i)]);
+        if (!same) {
+            widget.clear();
+            for (const std::string& item : record.items)
+                widget.addItem(shown(item));
+        }
+        // A text from a profile need not be in the list; it stands as a hint then.
+        const QString text = shown(record.text);
+        widget.setCurrentIndex(widget.findText(text));
+        widget.setPlaceholderText(text);
+        widget.setToolTip(text);
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+void FormBinder::checkList(QAbstractItemView& widget, state::ListBox& record, QStringList columns,
+                           RowHandler itemCheck)
+{
+    list(widget, record, &state::ListRow::checked, std::move(columns), std::move(itemCheck));
+}
+
+void FormBinder::selectList(QAbstractItemView& widget, state::ListBox& record, RowHandler itemCheck)
+{
+    list(widget, record, &state::ListRow::selected, {QString()}, std::move(itemCheck));
+}
+
+void FormBinder::list(QAbstractItemView& widget, state::ListBox& record, bool state::ListRow::*tick,
+                      QStringList columns, RowHandler itemCheck)
+{
+    auto* model = new ListModel(
+        record, tick, std::move(columns),
+        [this, itemCheck = std::move(itemCheck)](std::size_t row) {
+            run([&] {
+                if (itemCheck)
+                    itemCheck(row);
+            });
+        },
+        &widget);
+    widget.setModel(model);
+    also([&widget, &record, model] {
+        model->refresh();
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+void FormBinder::datePicker(QDateEdit& widget, state::DatePicker& record, Handler change)
+{
+    connect(&widget, &QDateEdit::dateChanged, this,
+            [this, &record, change = std::move(change)](QDate date) {
+                if (m_showing)
+                    return;
+                record.value.date = {date.year(), date.month(), date.day()};
+                run(change);
+            });
+    also([&widget, &record] {
+        widget.setDate(dateOf(record.value));
+        widget.setEnabled(record.enabled);
+    });
+}
+
+void FormBinder::timePicker(QTimeEdit& widget, state::TimePicker& record, Handler change)
+{
+    connect(&widget, &QTimeEdit::timeChanged, this,
+            [this, &record, change = std::move(change)](QTime time) {
+                if (m_showing)
+                    return;
+                record.value.time = {time.hour(), time.minute(), time.second()};
+                run(change);
+            });
+    also([&widget, &record] {
+        widget.setTime(timeOf(record.value));
+        widget.setEnabled(record.enabled);
+    });
+}
+
+void FormBinder::frame(QGroupBox& widget, state::Frame& record)
+{
+    frame(static_cast<QWidget&>(widget), record);
+}
+
+void FormBinder::frame(QWidget& widget, state::Frame& record)
+{
+    also([&widget, &record] {
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+void FormBinder::label(QLabel& widget, state::Label& record)
+{
+    also([&widget, &record] {
+        if (!record.caption.empty())
+            widget.setText(shown(record.caption));
+        widget.setEnabled(record.enabled);
+        widget.setVisible(record.visible);
+    });
+}
+
+bool FormBinder::eventFilter(QObject* watched, QEvent* event)
+{
+    for (const BoundText& bound : m_texts) {
+        if (bound.widget != watched)
+            continue;
+        switch (event->type()) {
+        case QEvent::FocusIn:
+            if (bound.handlers.gotFocus)
+                run(bound.handlers.gotFocus);
+            break;
+        case QEvent::FocusOut:
+            if (bound.handlers.lostFocus)
+                run(bound.handlers.lostFocus);
+            break;
+        case QEvent::MouseButtonPress:
+            if (static_cast<QMouseEvent*>(event)->button() == Qt::RightButton &&
+                bound.handlers.rightButton)
+                run(bound.handlers.rightButton);
+            break;
+        case QEvent::KeyPress: {
+            if (!bound.handlers.keyPress)
+                break;
+            const auto* key = static_cast<QKeyEvent*>(event);
+            const QString text = key->text();
+            const bool backspace = key->key() == Qt::Key_Backspace;
+            if (!backspace && (text.isEmpty() || text.front().unicode() < kFirstTyped))
+                break;
+            const int code = backspace ? kBackspace : text.front().unicode();
+            int typedCode = 0;
+            run([&] { typedCode = bound.handlers.keyPress(code); });
+            if (typedCode == 0)
+                return true;
+            break;
+        }
+        default:
+            break;
+        }
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace vardelin::ui

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "state/controls.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include <QObject>
+
+class QAbstractButton;
+class QAbstractItemView;
+class QCheckBox;
+class QComboBox;
+class QDateEdit;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QTimeEdit;
+
+namespace vardelin::ui {
+
+// What a form's logic does about one control. An empty handler is none.
+using Handler = std::function<void()>;
+using RowHandler = std::function<void(std::size_t row)>;
+
+// Gets the code of a typed character and gives what is typed instead; 0 drops it.
+using KeyFilter = std::function<int(int code)>;
+
+struct TextHandlers {
+    Handler change{};
+    Handler gotFocus{};
+    Handler lostFocus{};
+    KeyFilter keyPress{};
+    Handler rightButton{}; // pressed in the box
+};
+
+// Ties widgets to a form's record of controls. What a person does goes into the record, then the
+// control's handler runs, then every widget shows the record again, since a handler may have
+// changed any of it. Showing runs no handler. Widgets, records and handlers must outlive the
+// binder. For the thread of the user interface.
+class FormBinder final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit FormBinder(QObject* parent = nullptr);
+    ~FormBinder() override;
+
+    void button(QAbstractButton& widget, state::Button& record, Handler click);
+    void checkBox(QCheckBox& widget, state::CheckBox& record, Handler click);
+    // `choose` switches the option on and the others of its group off.
+    void optionButton(QRadioButton& widget, state::OptionButton& record, Handler choose,
+                      Handler click);
+    void textBox(QLineEdit& widget, state::TextBox& record, TextHandlers handlers);
+    // A list to pick from; with `editable` text that is not in the list shows, too.
+    void comboBox(QComboBox& widget, state::ComboBox& record, Handler click);
+    // Boxes for `checked`.
+    void checkList(QAbstractItemView& widget, state::ListBox& record, QStringList columns,
+                   RowHandler itemCheck);
+    // Boxes for `selected`.
+    void selectList(QAbstractItemView& widget, state::ListBox& record, RowHandler itemCheck);
+    void datePicker(QDateEdit& widget, state::DatePicker& record, Handler change);
+    void timePicker(QTimeEdit& widget, state::TimePicker& record, Handler change);
+    void frame(QGroupBox& widget, state::Frame& record);
+    void frame(QWidget& widget, state::Frame& record);
+    void label(QLabel& widget, state::Label& record);
+
+    // Any other widget: called whenever the form is shown.
+    void also(Handler show);
+
+    // Shows the records as they stand.
+    void show();
+
+    // Runs a handler of the form from elsewhere and shows what came of it.
+    void run(const Handler& handler);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void list(QAbstractItemView& widget, state::ListBox& record, bool state::ListRow::*tick,
+              QStringList columns, RowHandler itemCheck);
+
+    struct BoundText {
+        QLineEdit* widget = nullptr;
+        TextHandlers handlers;
+    };
+
+    std::vector<Handler> m_shows;
+    std::vector<BoundText> m_texts;
+    bool m_showing = false;
+};
+
+} // namespace vardelin::ui

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QHeaderView>
+#include <QPalette>
+#include <QWidget>
+
+// What tests of views share; main.cpp runs them in one application without a screen.
+namespace vardelin::ui {
+
+inline QPalette darkPalette()
+{
+    QPalette palette;
+    palette.setColor(QPalette::Window, QColor(0x26, 0x2a, 0x30));
+    palette.setColor(QPalette::WindowText, QColor(0xe6, 0xe8, 0xea));
+    palette.setColor(QPalette::Base, QColor(0x1c, 0x1f, 0x24));
+    palette.setColor(QPalette::AlternateBase, QColor(0x22, 0x26, 0x2c));
+    palette.setColor(QPalette::Text, QColor(0xe6, 0xe8, 0xea));
+    palette.setColor(QPalette::Button, QColor(0x31, 0x36, 0x3d));
+    palette.setColor(QPalette::ButtonText, QColor(0xe6, 0xe8, 0xea));
+    palette.setColor(QPalette::Highlight, QColor(0x0d, 0x94, 0x88));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Light, QColor(0x5a, 0x62, 0x6c));
+    palette.setColor(QPalette::Mid, QColor(0x4a, 0x51, 0x5a));
+    palette.setColor(QPalette::Dark, QColor(0x8a, 0x92, 0x9c));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x31, 0x36, 0x3d));
+    palette.setColor(QPalette::ToolTipText, QColor(0xe6, 0xe8, 0xea));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x86, 0x8c));
+    return palette;
+}
+
+// Keeps a picture of a widget under the build folder.
+inline void keepPicture(QWidget& widget, const std::string& name)
+{
+    QDir().mkpath(QStringLiteral(VARDELIN_SCREENSHOTS));
+    QCoreApplication::processEvents();
+    widget.grab().save(
+        QStringLiteral(VARDELIN_SCREENSHOTS "/%1.png").arg(QString::fromStdString(name)));
+}
+
+// The names of visible children that have less room than they need to be read.
+inline std::string clippedIn(QWidget& window)
+{
+    std::string clipped;
+    for (const QWidget* child : window.findChildren<QWidget*>()) {
+        const QSize need = child->minimumSizeHint();
+        if (qobject_cast<const QHeaderView*>(child) != nullptr)
+            continue; // scrolls with its list
+        const bool fits = child->width() >= need.width() && child->height() >= need.height();
+        if (child->isVisible() && !fits && !child->objectName().startsWith("qt_"))
+            clipped +=
+                child->objectName().toStdString() + "(" + child->metaObject()->className() + ") ";
+    }
+    return clipped;
+}
+
+} // namespace vardelin::ui
