@@ -367,6 +367,23 @@ TEST(Restore, KeepsLinksEmptyFoldersAttributesAndFolderRights)
     EXPECT_TRUE(files.list("D:\\back\\C\\data\\empty").empty());
 }
 
+// The copies of two names can come from different runs, and then one of them is older.
+TEST(Restore, JoinsOnlyNamesOfTheSameContentIntoOneFile)
+{
+    World world;
+    world.write("a.txt", "first");
+    auto& files = world.ports.fileSystem;
+    files.openFolder("C:\\data")->createHardLink("twin", *files.openFolder("C:\\data"), "a.txt");
+    world.backup();
+    world.write("a.txt", "second");
+    files.script().failCallsNamed("folder.open", base::error_number::kDeviceIo, "data\\a.txt");
+    EXPECT_EQ(world.backup().missed, kTrue);
+    files.script().reset();
+    world.restore({"C:\\data\\"}, "D:\\back");
+    EXPECT_EQ(world.read("D:\\back\\C\\data\\a.txt"), "first");
+    EXPECT_EQ(world.read("D:\\back\\C\\data\\twin"), "second");
+}
+
 // Every byte that a Linux name can hold, and what stands at its end, on the real disk.
 TEST(Restore, OddNamesMakeTheRoundTripOnARealDisk)
 {

@@ -5,6 +5,8 @@
 
 #include "platform/memory/power_cut_file_system.h"
 
+#include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -81,6 +83,25 @@ public:
         return copy.script.callCount();
     }
 
+    // Which calls of the script are meant.
+    using Which = std::function<bool(const platform::CallScript::Call&)>;
+    // The n-th call that is meant, counted from 1, raises `error`; with `forGood` so do all that
+    // follow it. Until the script is reset.
+    void failAt(const Which& which, std::size_t number, int error, bool forGood);
+    // The subject of the call that failed first; empty where none did.
+    std::string failedSubject() const;
+    // How many calls that are meant a step makes, done in a copy of this world.
+    template <typename Step>
+    std::size_t countOf(const Which& which, Step&& step) const
+    {
+        FaultWorld copy(withPowerCut);
+        copy.become(*this);
+        copy.script.reset();
+        step(copy);
+        const auto calls = copy.script.calls();
+        return static_cast<std::size_t>(std::count_if(calls.begin(), calls.end(), which));
+    }
+
     // The date of a round, as a restore takes it.
     static std::string dateOf(int ofRound);
     // What lies below a folder, by the path that a restore to it came from.
@@ -96,8 +117,13 @@ public:
     void expectNewest(const std::string& label);
     void expectSettings(int fromRound, const std::string& label);
     void expectNoDamage(const std::string& label);
-    // Every line of the log has its fields, and each finished round has one.
-    void expectLog(int finishedRounds, const std::string& label);
+    // Each finished round has its line in the log, and every line has its fields. A power cut may
+    // tear the line behind them: then, until the next one is appended, the end is no line.
+    void expectLog(int finishedRounds, const std::string& label, bool mayBeTorn = false);
+    // One more run, with one more file, so that there is a line to append.
+    void expectLogGoesOn(int finishedRounds, const std::string& label);
+    // The records of this round count the copies that the archive has of it.
+    void expectCountedCopies(const std::string& label);
 
     const bool withPowerCut;
     platform::MemoryTree tree{true};
@@ -118,6 +144,14 @@ private:
     int m_round = 0;
     int m_folders = 0;
     std::map<int, Contents> m_truth;
+    std::shared_ptr<std::string> m_failedSubject = std::make_shared<std::string>();
 };
+
+// Calls that change something in `place`; flushes and closes are among them.
+FaultWorld::Which changesIn(std::string place);
+// Those of them that take room on the disk.
+FaultWorld::Which growsIn(std::string place);
+// Calls that read something in `place`.
+FaultWorld::Which readsIn(std::string place);
 
 } // namespace vardelin::faults

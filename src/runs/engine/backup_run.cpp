@@ -356,7 +356,8 @@ private:
         for (PlannedFolderRecord& record : m_plan.folderRecords) {
             const PlannedFolder& place = m_plan.folders[record.folder];
             try {
-                const auto attributes = m_files.openFolder(place.sourcePath)->extendedAttributes();
+                const auto attributes = onSource(
+                    [&] { return m_files.openFolder(place.sourcePath)->extendedAttributes(); });
                 const auto archive = openArchiveFolder(place.archivePath);
                 Saved saved =
                     saver.saveFolderRecord(*archive, place.sourcePath, record.meta, attributes);
@@ -364,9 +365,10 @@ private:
                 copy.version = kNotCounted;
                 copy.replaced = std::move(record.oldRecords);
                 m_committer.add(std::move(copy));
+            } catch (const SourceError& error) {
+                miss(place.sourcePath, error.what());
             } catch (const RuntimeError& error) {
-                if (error.number() != base::error_number::kPathNotFound &&
-                    error.number() != base::error_number::kPathAccess)
+                if (error.number() != base::error_number::kPathAccess)
                     throw;
                 miss(place.sourcePath, error.what());
             }

@@ -100,6 +100,18 @@ private:
     bool m_kept = false;
 };
 
+// Copies of different runs can tell the same number of a file that was two files in between, or
+// that has got another content since. Only what was alike may become one file again.
+std::string linkGroupOf(const CopyHeader& header, std::int64_t modifiedNs)
+{
+    if (header.linkGroup.empty())
+        return {};
+    std::string group = header.linkGroup + '/' + std::to_string(modifiedNs) + '/';
+    for (const std::uint8_t byte : header.contentHash)
+        group += static_cast<char>(byte);
+    return group;
+}
+
 } // namespace
 
 CopyRestorer::CopyRestorer(std::atomic<std::uint64_t>& serial) : m_serial(serial) {}
@@ -150,8 +162,9 @@ RestoredCopy CopyRestorer::restore(platform::Folder& archive, const std::string&
     m_reader.readContent(*file, header, [&](std::span<const std::byte> piece) {
         result.append(piece, header.sparse);
     });
-    result.dress(header, copy.modifiedNs != 0 ? copy.modifiedNs : header.modifiedNs);
-    return {result.keep(), header.sizeBytes, header.linkGroup};
+    const std::int64_t modifiedNs = copy.modifiedNs != 0 ? copy.modifiedNs : header.modifiedNs;
+    result.dress(header, modifiedNs);
+    return {result.keep(), header.sizeBytes, linkGroupOf(header, modifiedNs)};
 }
 
 RestoredCopy CopyRestorer::restoreLink(const CopyHeader& header, const ChosenCopy& copy,
@@ -196,9 +209,15 @@ void joinHardLinks(platform::FileSystem& files, const HardLinks& links,
             const std::string temporary = archive::temporaryName(serial++);
             // A disk without hard links keeps the files apart, each with its whole content.
             base::PendingError ignored;
-            if (ignored.attempt(
+            if (!ignored.attempt(
                     [&] { folder->createHardLink(temporary, *first, names.front().second); }))
+                continue;
+            try {
                 folder->rename(temporary, names[i].second);
+            } catch (const RuntimeError&) {
+                ignored.attempt([&] { folder->removeFile(temporary); });
+                throw;
+            }
         }
     }
 }

@@ -208,7 +208,13 @@ private:
                 copy.bytesRead = done.bytes;
                 committer.add(std::move(copy));
             } else {
-                target.rename(done.temporaryName, name);
+                try {
+                    target.rename(done.temporaryName, name);
+                } catch (const RuntimeError&) {
+                    base::PendingError ignored; // the error that led here is the one to tell
+                    ignored.attempt([&] { target.removeFile(done.temporaryName); });
+                    throw;
+                }
                 count(done.bytes);
             }
         });
