@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include <QAbstractScrollArea>
 #include <QCoreApplication>
 #include <QDir>
-#include <QHeaderView>
 #include <QPalette>
 #include <QWidget>
 
@@ -48,8 +48,8 @@ inline std::string clippedIn(QWidget& window)
     std::string clipped;
     for (const QWidget* child : window.findChildren<QWidget*>()) {
         const QSize need = child->minimumSizeHint();
-        if (qobject_cast<const QHeaderView*>(child) != nullptr)
-            continue; // scrolls with its list
+        if (qobject_cast<const QAbstractScrollArea*>(child) != nullptr)
+            continue; // what does not fit can be scrolled to
         const bool fits = child->width() >= need.width() && child->height() >= need.height();
         if (child->isVisible() && !fits && !child->objectName().startsWith("qt_"))
             clipped +=

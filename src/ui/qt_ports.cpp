@@ -1,0 +1,69 @@
+#include "ui/qt_ports.h"
+
+#include "ui/shown_text.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+
+namespace vardelin::ui {
+namespace {
+
+using platform::Answer;
+using platform::Buttons;
+using platform::Icon;
+
+QMessageBox::Icon iconOf(Icon icon)
+{
+    switch (icon) {
+    case Icon::None:
+        return QMessageBox::NoIcon;
+    case Icon::Critical:
+        return QMessageBox::Critical;
+    case Icon::Question:
+        return QMessageBox::Question;
+    case Icon::Exclamation:
+        return QMessageBox::Warning;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons buttonsOf(Buttons buttons)
+{
+    switch (buttons) {
+    case Buttons::Ok:
+        return QMessageBox::Ok;
+    case Buttons::OkCancel:
+        return QMessageBox::Ok | QMessageBox::Cancel;
+    case Buttons::YesNo:
+        return QMessageBox::Yes | QMessageBox::No;
+    }
+    return QMessageBox::Ok;
+}
+
+} // namespace
+
+Answer QtMessageBoxes::show(std::string_view text, std::string_view title, Buttons buttons,
+                            Icon icon)
+{
+    // Plain text: a path may hold what looks like markup.
+    QMessageBox box(iconOf(icon), shown(title), shownLines(text), buttonsOf(buttons), m_parent);
+    box.setTextFormat(Qt::PlainText);
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return Answer::Yes;
+    case QMessageBox::No:
+        return Answer::No;
+    case QMessageBox::Cancel:
+        return Answer::Cancel;
+    default:
+        // A box of questions that is closed has not been agreed to.
+        return buttons == Buttons::YesNo ? Answer::No : Answer::Ok;
+    }
+}
+
+void QtMessageLoop::yield()
+{
+    QCoreApplication::processEvents();
+}
+
+} // namespace vardelin::ui
