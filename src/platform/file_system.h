@@ -28,7 +28,8 @@ namespace vardelin::platform {
 
 enum class FileKind : std::uint8_t { Regular, Folder, SymbolicLink, Other };
 
-// All times are nanoseconds since 1 January 1970 UTC.
+// All times are nanoseconds since 1 January 1970 UTC; a time that these cannot hold, before 1677 or
+// after 2262, is the first or last one that they can.
 struct FileInfo {
     FileKind kind = FileKind::Regular;
     std::uint64_t sizeBytes = 0;      // of a regular file; 0 for the rest

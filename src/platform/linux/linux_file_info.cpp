@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string_view>
 
 namespace vardelin::platform {
@@ -17,8 +18,15 @@ constexpr std::int64_t kNsPerSecond = 1'000'000'000;
 constexpr std::uint64_t kBlockBytes = 512; // the unit of stx_blocks, whatever the disk's own
 constexpr unsigned kWanted = STATX_BASIC_STATS | STATX_BTIME;
 
+// A disk may hold times that 64 bits of nanoseconds do not: before 1677 and after 2262. The last
+// one that they do stands for those.
 std::int64_t nanoseconds(const struct statx_timestamp& time)
 {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / kNsPerSecond - 1;
+    if (time.tv_sec > kMost)
+        return std::numeric_limits<std::int64_t>::max();
+    if (time.tv_sec < -kMost)
+        return std::numeric_limits<std::int64_t>::min();
     return time.tv_sec * kNsPerSecond + static_cast<std::int64_t>(time.tv_nsec);
 }
 

@@ -9,6 +9,7 @@
 #include "runs/engine/committer.h"
 #include "runs/engine/event_queue.h"
 #include "runs/engine/file_saver.h"
+#include "runs/engine/missed_reason.h"
 #include "runs/engine/selection.h"
 #include "runs/engine/settings_store.h"
 #include "runs/engine/source_scan.h"
@@ -224,7 +225,7 @@ private:
     void work(const std::vector<Batch>& batches, std::atomic<std::size_t>& next)
     {
         try {
-            FileSaver saver({m_place.profile.compress, m_startNs}, m_serial);
+            FileSaver saver({m_place.profile.compress, m_startNs, &m_machine.clock}, m_serial);
             for (;;) {
                 const std::size_t index = next++;
                 if (index >= batches.size() || m_stop)
@@ -247,7 +248,12 @@ private:
         try {
             source = m_files.openFolder(place.sourcePath);
         } catch (const RuntimeError& error) {
-            missAll(batch, error.what());
+            missAll(batch, missedFolderReason(error));
+            return;
+        }
+        // Below a folder that turned into a link lies what nobody has chosen.
+        if (!place.isSame(source->info())) {
+            missAll(batch, kFolderReplaced);
             return;
         }
         try {
@@ -370,7 +376,8 @@ private:
             } catch (const RuntimeError& error) {
                 if (error.number() != base::error_number::kPathAccess)
                     throw;
-                miss(place.sourcePath, error.what());
+                miss(place.sourcePath, "the folder's own rights could not be saved (" +
+                                           std::string(error.what()) + ")");
             }
         }
     }

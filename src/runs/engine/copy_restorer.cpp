@@ -15,11 +15,30 @@ using platform::OpenMode;
 
 constexpr std::size_t kZeroBlock = 4096; // what a hole is made of on the usual file systems
 
+constexpr std::uint32_t kSetUser = 04000;
+constexpr std::uint32_t kSetGroup = 02000;
+constexpr std::string_view kAccessAcl = "system.posix_acl_access";
+
 bool isZero(std::span<const std::byte> bytes)
 {
     static constexpr std::array<std::byte, kZeroBlock> kZeros{};
     return bytes.size() <= kZeros.size() &&
            std::memcmp(bytes.data(), kZeros.data(), bytes.size()) == 0;
+}
+
+// An access list of the owner, the group and the others alone, as the system takes it: version 2,
+// then tag, rights and number of each entry, little-endian (acl(5), linux/posix_acl_xattr.h).
+std::string plainAcl(std::uint32_t mode)
+{
+    std::string acl{'\2', '\0', '\0', '\0'};
+    const auto entry = [&](char tag, std::uint32_t rights) {
+        acl += {tag, '\0', static_cast<char>(rights & 7U), '\0'};
+        acl.append(4, '\xff');
+    };
+    entry(0x01, mode >> 6U);
+    entry(0x04, mode >> 3U);
+    entry(0x20, mode);
+    return acl;
 }
 
 // A temporary file in the target folder that goes away unless it is kept.
@@ -63,8 +82,8 @@ public:
             // Owner first, since changing it takes the set-user bits away; times last, since every
             // other change may move them. Only a privileged user can give a file away.
             base::PendingError ignored;
-            ignored.attempt([&] { m_file->setOwner(header.ownerId, header.groupId); });
-            m_file->setMode(header.mode);
+            m_file->setMode(modeUnder(takeOwner(header), header));
+            dropInheritedAcl(header);
             for (const auto& attribute : header.attributes)
                 ignored.attempt([&] { m_file->setExtendedAttribute(attribute); });
             m_file->setTimes(header.accessedNs, modifiedNs);
@@ -79,18 +98,70 @@ public:
     }
 
 private:
-    // Blocks of zeros are left out, so that a sparse file stays one.
+    // Gives the file to its owner and group, or to its group alone, as far as this user may; gives
+    // what came of it.
+    platform::FileInfo takeOwner(const CopyHeader& header)
+    {
+        base::PendingError ignored;
+        if (ignored.attempt([&] { m_file->setOwner(header.ownerId, header.groupId); })) {
+            platform::FileInfo info;
+            info.ownerId = header.ownerId;
+            info.groupId = header.groupId;
+            return info;
+        }
+        const std::uint32_t owner = m_file->info().ownerId;
+        ignored.attempt([&] { m_file->setOwner(owner, header.groupId); });
+        return m_file->info();
+    }
+
+    // A program that runs with its owner's rights must not run with those of whoever restored it.
+    static std::uint32_t modeUnder(const platform::FileInfo& info, const CopyHeader& header)
+    {
+        std::uint32_t mode = header.mode;
+        if (info.ownerId != header.ownerId)
+            mode &= ~kSetUser;
+        if (info.groupId != header.groupId)
+            mode &= ~kSetGroup;
+        return mode;
+    }
+
+    // A folder may hand its own access list to whatever is made in it. A list that says no more
+    // than the permission bits takes its place, which the system keeps as none.
+    void dropInheritedAcl(const CopyHeader& header)
+    {
+        const auto isAcl = [](const auto& attribute) { return attribute.name == kAccessAcl; };
+        if (std::any_of(header.attributes.begin(), header.attributes.end(), isAcl))
+            return;
+        base::PendingError ignored;
+        ignored.attempt([&] {
+            const auto inherited = m_file->extendedAttributes();
+            if (std::any_of(inherited.begin(), inherited.end(), isAcl))
+                m_file->setExtendedAttribute({std::string(kAccessAcl), plainAcl(header.mode)});
+        });
+    }
+
+    // Blocks of zeros are left out, so that a sparse file stays one; what lies between two of them
+    // is written at once.
     void appendSparse(std::span<const std::byte> piece)
     {
         std::uint64_t at = m_size;
-        while (!piece.empty()) {
-            const std::size_t n = std::min(piece.size(), kZeroBlock - at % kZeroBlock);
-            const auto block = piece.first(n);
-            if (!isZero(block))
-                m_file->writeAt(at, block);
-            at += n;
-            piece = piece.subspan(n);
+        std::size_t data = 0; // bytes at the front of `piece` that wait to be written
+        while (data < piece.size()) {
+            const std::uint64_t end = at + data;
+            const std::size_t n = std::min(piece.size() - data,
+                                           kZeroBlock - static_cast<std::size_t>(end % kZeroBlock));
+            if (!isZero(piece.subspan(data, n))) {
+                data += n;
+                continue;
+            }
+            if (data > 0)
+                m_file->writeAt(at, piece.first(data));
+            at = end + n;
+            piece = piece.subspan(data + n);
+            data = 0;
         }
+        if (data > 0)
+            m_file->writeAt(at, piece);
     }
 
     platform::Folder& m_folder;

@@ -317,7 +317,8 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
                            const EarlierBody* earlier, const Progress& progress)
 {
     State& state = *m_state;
-    HoleFinder holes(source, onSource([&] { return source.info(); }));
+    const platform::FileInfo info = onSource([&] { return source.info(); });
+    HoleFinder holes(source, info);
     FrameMap earlierFrames(earlier);
     ContentHasher wholeHash;
     std::vector<BodyFrame> frames;
@@ -359,9 +360,10 @@ bool CopyWriter::packLarge(CopyHeader& header, platform::File& source, platform:
                 std::min<std::uint64_t>(state.raw.size() - filled, dataEnd - readAt));
             const std::size_t n = onSource(
                 [&] { return source.readAt(readAt, std::span(state.raw).subspan(filled, room)); });
-            atEnd = n == 0;
             filled += n;
             readAt += n;
+            // Whoever appends faster than this reads must not keep it here for ever.
+            atEnd = n == 0 || readAt > info.sizeBytes;
         }
         if (filled > 0) {
             const std::size_t cut = cutLength(std::span(state.raw).first(filled));
@@ -419,7 +421,8 @@ bool CopyWriter::copyPlain(CopyHeader& header, platform::File& source, platform:
                            const Progress& progress)
 {
     State& state = *m_state;
-    HoleFinder holes(source, onSource([&] { return source.info(); }));
+    const platform::FileInfo info = onSource([&] { return source.info(); });
+    HoleFinder holes(source, info);
     ContentHasher wholeHash;
     state.raw.resize(std::max(state.raw.size(), kPlainBlock));
     const auto block = std::span(state.raw).first(kPlainBlock);
@@ -444,6 +447,10 @@ bool CopyWriter::copyPlain(CopyHeader& header, platform::File& source, platform:
         const std::size_t n = onSource([&] { return source.readAt(at, room); });
         if (n == 0)
             break;
+        if (at + n > info.sizeBytes) { // it grows; see above
+            at += n;
+            break;
+        }
         wholeHash.add(room.first(n));
         target.writeAt(at, room.first(n));
         at += n;

@@ -65,7 +65,8 @@ public:
     std::span<const std::byte> packEmpty(CopyHeader header);
 
     // Reads `source` to its end and writes the whole archive file to `target`, an empty file; fills
-    // in the header's size, checksum and body. Holes stay cheap. False where `progress` stopped it.
+    // in the header's size, checksum and body. Holes stay cheap. Where the source grows meanwhile,
+    // it stops somewhere behind the old end. False where `progress` stopped it.
     bool packLarge(CopyHeader& header, platform::File& source, platform::File& target,
                    const EarlierBody* earlier, const Progress& progress);
 

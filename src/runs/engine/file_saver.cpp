@@ -1,8 +1,12 @@
 #include "runs/engine/file_saver.h"
 
 #include "base/runtime_error.h"
+#include "runs/engine/missed_reason.h"
 
+#include <algorithm>
+#include <chrono>
 #include <optional>
+#include <thread>
 #include <utility>
 
 #include <fmt/format.h>
@@ -19,9 +23,27 @@ using platform::OpenMode;
 constexpr int kCompressionLevel = 3;
 constexpr std::uint32_t kOwnerReads = 0400;
 
+// A disk stamps changes with a clock that ticks every 1 to 10 ms.
+constexpr std::int64_t kStampTickNs = 12'000'000;
+
+// Leaves room for the path and the fixed fields in the largest header that is read back.
+constexpr std::size_t kMostAttributeBytes = kLargestHeader - 1024 * 1024;
+
+// The time of change is the disk's own: it moves with every write, whatever a program says that the
+// time of modification were.
 bool isSame(const FileInfo& a, const FileInfo& b)
 {
-    return a.sizeBytes == b.sizeBytes && a.modifiedNs == b.modifiedNs;
+    return a.sizeBytes == b.sizeBytes && a.modifiedNs == b.modifiedNs && a.changedNs == b.changedNs;
+}
+
+constexpr const char* kTooManyAttributes = "its extended attributes take more than 15 MB";
+
+bool fitHeader(const std::vector<platform::ExtendedAttribute>& attributes)
+{
+    std::size_t bytes = 0;
+    for (const auto& attribute : attributes)
+        bytes += attribute.name.size() + attribute.value.size() + 16;
+    return bytes <= kMostAttributeBytes;
 }
 
 // Takes a temporary file away unless its copy came to its end.
@@ -78,39 +100,60 @@ SaveResult FileSaver::save(const SaveTask& task, const Progress& progress)
         if (changed)
             result = saveOnce(task, progress, changed);
         if (changed)
-            return Missed{"it changed while it was read, twice"};
+            return Missed{"it changed while it was read, and again when it was read once more"};
         return result;
     } catch (const SourceError& error) {
-        switch (error.number()) {
-        case base::error_number::kFileNotFound:
-        case base::error_number::kPathNotFound:
-            return Missed{"it vanished during the run"};
-        default:
-            return Missed{error.reason().empty() ? std::string(error.description())
-                                                 : error.reason()};
-        }
+        return Missed{reasonOf(task, error)};
     }
+}
+
+std::string FileSaver::reasonOf(const SaveTask& task, const SourceError& error)
+{
+    try {
+        const auto now = task.source.find(task.name);
+        if (now && now->kind != task.kind)
+            return replacedReason(now->kind);
+    } catch (const RuntimeError&) {
+        // The first error says enough.
+        return missedFileReason(error);
+    }
+    return missedFileReason(error);
 }
 
 SaveResult FileSaver::saveOnce(const SaveTask& task, const Progress& progress, bool& changed)
 {
     changed = false;
     const auto source = onSource([&] { return task.source.open(task.name, OpenMode::Read); });
-    const FileInfo before = onSource([&] { return source->info(); });
+    FileInfo before = onSource([&] { return source->info(); });
+    if (letRest(before))
+        before = onSource([&] { return source->info(); });
     if (before.kind != FileKind::Regular)
-        return Missed{"it is no regular file any more"};
+        return Missed{replacedReason(before.kind)};
     return before.sizeBytes <= kWholeFileBytes
                ? saveSmall(task, *source, before, changed)
                : saveLarge(task, *source, before, progress, changed);
+}
+
+// A file that was changed within the present tick could be changed again and keep its times, so
+// that neither this run nor a later one would see it. Reading begins when the tick is over.
+bool FileSaver::letRest(const FileInfo& info) const
+{
+    if (m_options.clock == nullptr)
+        return false;
+    const std::int64_t age = m_options.clock->nowNs() - std::max(info.changedNs, info.modifiedNs);
+    if (age < 0 || age >= kStampTickNs)
+        return false;
+    std::this_thread::sleep_for(std::chrono::nanoseconds(kStampTickNs - age));
+    return true;
 }
 
 SaveResult FileSaver::saveLink(const SaveTask& task)
 {
     const auto info = onSource([&] { return task.source.find(task.name); });
     if (!info)
-        return Missed{"it vanished during the run"};
+        return Missed{kVanished};
     if (info->kind != FileKind::SymbolicLink)
-        return Missed{"it is no symbolic link any more"};
+        return Missed{replacedReason(info->kind)};
     CopyHeader header = headerFor(task, *info);
     header.kind = ItemKind::SymbolicLink;
     header.linkTarget = onSource([&] { return task.source.readLink(task.name); });
@@ -140,14 +183,16 @@ SaveResult FileSaver::saveSmall(const SaveTask& task, platform::File& source,
             got += n;
         }
     });
+    CopyHeader header = headerFor(task, before);
+    header.attributes = onSource([&] { return source.extendedAttributes(); });
     const FileInfo after = onSource([&] { return source.info(); });
     if (got != before.sizeBytes || !isSame(before, after)) {
         changed = true;
         return Stopped{};
     }
+    if (!fitHeader(header.attributes))
+        return Missed{kTooManyAttributes};
     const auto content = std::span<const std::byte>(m_content).first(got);
-    CopyHeader header = headerFor(task, before);
-    header.attributes = onSource([&] { return source.extendedAttributes(); });
     header.sizeBytes = got;
     if (storesPlain(task, before)) {
         header.contentHash = hashOf(content);
@@ -170,6 +215,8 @@ SaveResult FileSaver::saveLarge(const SaveTask& task, platform::File& source,
 {
     CopyHeader header = headerFor(task, before);
     header.attributes = onSource([&] { return source.extendedAttributes(); });
+    if (!fitHeader(header.attributes))
+        return Missed{kTooManyAttributes};
     TemporaryFile target(task.archive, archive::temporaryName(m_serial++));
     const bool plain = storesPlain(task, before);
     bool complete = false;

@@ -2,6 +2,7 @@
 
 #include "archive/entry_names.h"
 #include "platform/file_system.h"
+#include "platform/machine.h"
 #include "runs/engine/copy_reader.h"
 #include "runs/engine/copy_writer.h"
 
@@ -49,6 +50,9 @@ using SaveResult = std::variant<Saved, Renewed, Missed, Stopped>;
 struct SaveOptions {
     bool compress = true;
     std::int64_t savedNs = 0; // start of the run
+    // The clock that the sources' disks stamp changes by; without one, files that were changed this
+    // very moment are read at once.
+    platform::Clock* clock = nullptr;
 };
 
 // Writes single copies; one a worker thread. What cannot be read is Missed; a failing archive
@@ -69,6 +73,8 @@ public:
                       std::span<const std::byte> content, std::string finalName);
 
 private:
+    static std::string reasonOf(const SaveTask& task, const SourceError& error);
+    bool letRest(const platform::FileInfo& info) const;
     SaveResult saveOnce(const SaveTask& task, const Progress& progress, bool& changed);
     SaveResult saveLink(const SaveTask& task);
     SaveResult saveSmall(const SaveTask& task, platform::File& source,

@@ -61,7 +61,7 @@ private:
             return;
         if (!index) {
             index = static_cast<std::uint32_t>(m_plan.folders.size());
-            m_plan.folders.push_back({folderPath, archivePathOf(root, folderPath)});
+            m_plan.folders.push_back({folderPath, archivePathOf(root, folderPath), 0, 0});
         }
         PlannedFile file;
         file.sizeBytes = info.sizeBytes;

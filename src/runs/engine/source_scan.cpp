@@ -2,6 +2,7 @@
 
 #include "base/runtime_error.h"
 #include "runs/engine/copy_reader.h"
+#include "runs/engine/missed_reason.h"
 
 #include <algorithm>
 #include <memory>
@@ -50,6 +51,7 @@ struct Waiting {
     std::uint64_t device = 0;    // of the folder above; 0 for a source itself
     std::optional<Rights> above; // none for a source itself
     bool archiveMayExist = true;
+    FileId id{}; // as it was listed; all zero for a source itself
 };
 
 class Scanner {
@@ -79,7 +81,7 @@ public:
             m_plan.anySourceFound = true;
             for (const platform::Drive& drive : m_machine.drives.list()) {
                 if (drive.type == platform::DriveType::Fixed)
-                    walk({std::string(1, drive.letter) + ":\\", 0, {}, true}, false);
+                    walk({std::string(1, drive.letter) + ":\\", 0, {}, true, {}}, false);
             }
         }
         return std::move(m_plan);
@@ -133,7 +135,7 @@ private:
             m_plan.missed.push_back({source, "an archive, or a folder of the application itself"});
             return;
         }
-        walk({platform::joinPath(source, ""), 0, {}, true}, true);
+        walk({platform::joinPath(source, ""), 0, {}, true, {}}, true);
     }
 
     void scanFileSource(const std::string& source)
@@ -153,7 +155,8 @@ private:
         }
         m_plan.anySourceFound = true;
         // A whole folder was ticked above it: the file is taken already.
-        if (m_walked.contains(idOf(folder->info())) || liesInForbidden(folderPath))
+        m_current = idOf(folder->info());
+        if (m_walked.contains(m_current) || liesInForbidden(folderPath))
             return;
         if (folderPath != m_singleFolder) {
             m_singleFolder = folderPath;
@@ -178,12 +181,9 @@ private:
             try {
                 visit(next, everything, stack);
             } catch (const RuntimeError& error) {
-                const bool gone = error.number() == base::error_number::kPathNotFound ||
-                                  error.number() == base::error_number::kFileNotFound;
                 // A system-wide search passes over what it may not enter and what vanished.
                 if (everything)
-                    m_plan.missed.push_back(
-                        {next.path, gone ? "the folder vanished during the run" : error.what()});
+                    m_plan.missed.push_back({next.path, missedFolderReason(error)});
             }
         }
     }
@@ -192,6 +192,12 @@ private:
     {
         const auto folder = m_files.openFolder(place.path);
         const FileInfo own = folder->info();
+        // A folder that turned into a link after it was listed leads to what nobody has chosen.
+        if (place.id != FileId{} && idOf(own) != place.id) {
+            if (everything)
+                m_plan.missed.push_back({place.path, kFolderReplaced});
+            return;
+        }
         if (m_forbidden.contains(idOf(own)))
             return;
         if (place.device != 0 && own.device != place.device && isOtherDrive(place.path))
@@ -200,6 +206,7 @@ private:
             return;
         if (!m_walked.insert(idOf(own)).second)
             return;
+        m_current = idOf(own);
         if (everything)
             takeFolder(place, own, *folder, stack);
         else
@@ -228,7 +235,7 @@ private:
                 if (idOf(own) == m_destination && holdsArchive(path, entry.name))
                     continue;
                 const bool mayExist = archive && archive->hasSubfolder(entry.name);
-                stack.push_back({std::move(path), own.device, rights, mayExist});
+                stack.push_back({std::move(path), own.device, rights, mayExist, idOf(entry.info)});
             } else {
                 takeEntry(place.path, entry.name, entry.info, archive.get(), index);
             }
@@ -272,7 +279,7 @@ private:
             if (entry.kind == FileKind::Folder) {
                 std::string path = place.path + entry.name + '\\';
                 if (!(idOf(own) == m_destination && holdsArchive(path, entry.name)))
-                    stack.push_back({std::move(path), own.device, {}, true});
+                    stack.push_back({std::move(path), own.device, {}, true, {}});
                 continue;
             }
             if (entry.kind != FileKind::Regular || !m_selection.isIncludedBySystemScan(entry.name))
@@ -352,7 +359,8 @@ private:
     {
         if (!index) {
             index = static_cast<std::uint32_t>(m_plan.folders.size());
-            m_plan.folders.push_back({folderPath, archivePathOf(m_scope.archiveRoot, folderPath)});
+            m_plan.folders.push_back({folderPath, archivePathOf(m_scope.archiveRoot, folderPath),
+                                      m_current.device, m_current.inode});
         }
         return *index;
     }
@@ -366,6 +374,7 @@ private:
     CopyReader m_reader;
     FileIds m_forbidden;
     FileIds m_walked;
+    FileId m_current; // the folder whose entries are being taken
     FileId m_destination;
     std::unordered_set<std::string> m_driveRoots;
     // The folder of the single file source before, since single files of one folder come together.

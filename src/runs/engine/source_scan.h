@@ -36,6 +36,14 @@ struct PlannedFile {
 struct PlannedFolder {
     std::string sourcePath;  // ends in a backslash
     std::string archivePath; // likewise
+    // Of the folder that was listed; an inode of 0 stands for any.
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+
+    bool isSame(const platform::FileInfo& info) const
+    {
+        return inode == 0 || (info.device == device && info.inode == inode);
+    }
 };
 
 // A folder whose record is missing or out of date.
