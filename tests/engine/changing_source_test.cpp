@@ -1,5 +1,6 @@
 #include "engine/engine_world.h"
 #include "platform/linux/drive_map.h"
+#include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_file_system.h"
 #include "platform/memory/scripted_file_system.h"
 #include "runs/engine/copy_reader.h"
@@ -58,7 +59,7 @@ protected:
         const platform::Machine whole = ports.machine();
         platform::Machine machine{files,       whole.drives,      whole.registry,
                                   whole.shell, whole.facts,       whole.processes,
-                                  whole.clock, whole.messageLoop, whole.messageBoxes};
+                                  clock,       whole.messageLoop, whole.messageBoxes};
         Engine engine(machine, kApp, events);
         TruthValue success = kFalse;
         engine.EngineBackup(kProfiles, "Work.vdp", success);
@@ -105,6 +106,7 @@ protected:
     ProfileText profileText;
     platform::LinuxFileSystem disk{std::make_shared<const platform::DriveMap>(
         std::vector<platform::DriveRoot>{{'C', folder.path()}, {'D', folder.path()}})};
+    platform::LinuxClock clock; // the one that the disk stamps changes by
     platform::CallScript script;
     platform::ScriptedFileSystem files{disk, script};
     RecordedEvents events;
