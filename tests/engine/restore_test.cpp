@@ -546,5 +546,41 @@ TEST(Verify, ASampleReadsItsShare)
               20U);
 }
 
+TEST(Restore, TakesARenumberedCopyByTheNumberThatItWasSavedUnder)
+{
+    struct Case {
+        std::uint32_t serial;
+        bool restores;
+    };
+    for (const Case& c : {Case{2, true}, Case{3, false}, Case{0, false}}) {
+        World world;
+        for (const char* content : {"full", "one", "the second"}) {
+            world.write("a.txt", content);
+            world.backup();
+        }
+        const std::string folder = kRoot + "C\\data\\";
+        for (const auto& entry : world.ports.fileSystem.list(folder)) {
+            const auto name = archive::parseCopyName(entry.name);
+            if (!name || name->version == 0)
+                continue;
+            if (name->version == 1) {
+                world.ports.fileSystem.removeFile(folder + entry.name);
+                continue;
+            }
+            archive::CopyMeta meta = *name->meta;
+            meta.serial = c.serial;
+            world.ports.fileSystem.rename(
+                folder + entry.name,
+                folder + *archive::copyName(name->sourceName, 1, meta, name->form));
+        }
+        const RestoreResult result = world.restore({"C:\\data\\a.txt_001"}, "D:\\out");
+        EXPECT_EQ(result.lost == kFalse, c.restores) << c.serial;
+        EXPECT_EQ(world.exists("D:\\out\\C\\data\\a.txt"), c.restores) << c.serial;
+        const VerifyReport check = verifyArchive(world.machine, kProfiles + "Work.vdp", 100,
+                                                 [](std::string_view) { return true; });
+        EXPECT_EQ(check.damaged.empty(), c.restores) << c.serial;
+    }
+}
+
 } // namespace
 } // namespace vardelin::engine

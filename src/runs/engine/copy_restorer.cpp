@@ -196,7 +196,11 @@ CopyHeader CopyRestorer::checkedHeader(platform::File& file, const std::string& 
     if (!isSettings && header.path != sourceFolder + copy.sourceName())
         throw RuntimeError(base::error_number::kDeviceIo, {},
                            "it holds another file: " + header.path);
-    if (header.version != static_cast<std::uint32_t>(copy.version))
+    // A renumbered copy keeps the number that it was saved under in its name.
+    const auto name = archive::parseCopyName(copy.fileName);
+    const bool isRenumbered = name && name->meta && name->meta->serial != 0;
+    if (header.version !=
+        (isRenumbered ? name->meta->serial : static_cast<std::uint32_t>(copy.version)))
         throw RuntimeError(base::error_number::kDeviceIo, {}, "it holds another version");
     return header;
 }
