@@ -60,6 +60,41 @@ class Vardelin(Tool):
         return os.path.join(target, "C") + self.source
 
 
+class VardelinEncrypted(Vardelin):
+    """The same with a password, to be measured against our own plain run."""
+    name = "vardelin-enc"
+
+    def prepare(self):
+        self.app = os.path.join(self.archive, "application")
+        self.quietly(self.program, "init", self.app)
+        secret = os.path.join(self.archive, "secret")  # the password, and the hint's answer
+        with open(secret, "w", encoding="utf-8") as file:
+            file.write("benchmark\n")
+        self.quietly(*self._command("profile", "new", "Bench", "--source", self.source,
+                                    "--dest", os.path.join(self.archive, "backups"), "--encrypt",
+                                    "--password-file", secret, "--hint-question", "What is this?",
+                                    "--hint-answer-file", secret))
+
+    @classmethod
+    def refusal(cls, work):
+        """What the program says where it writes no encrypted archive; None where it does."""
+        source, archive = os.path.join(work, "probe"), os.path.join(work, "probe archive")
+        os.makedirs(source)
+        os.makedirs(archive)
+        with open(os.path.join(source, "file"), "w", encoding="utf-8") as file:
+            file.write("content")
+        try:
+            tool = cls(source, archive)
+            tool.prepare()
+            tool.quietly(*tool.backup())
+        except subprocess.CalledProcessError as error:
+            return error.stderr.decode(errors="replace").strip()
+        finally:
+            shutil.rmtree(source)
+            shutil.rmtree(archive)
+        return None
+
+
 class Floor(Tool):
     name = "floor"
     program = ""  # the path of bench/floor

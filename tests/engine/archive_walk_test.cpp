@@ -59,5 +59,19 @@ TEST(ArchiveWalk, GivesUpALargeListingWhileItGoesThroughTheSubfolders)
     EXPECT_EQ(files.script().countOf("folder.list"), 6U) << "the large one twice, the leaf once";
 }
 
+TEST(ArchiveWalk, GoesOnBehindAListingThatWasLetGo)
+{
+    platform::MemoryFileSystem files;
+    makeCopies(files, "C\\a\\below", 2);
+    makeCopies(files, "C\\b", 1);
+    ArchiveWalk walk(files, kStore, kStore);
+    std::vector<std::string> result;
+    while (walk.next() != nullptr) {
+        walk.release();
+        result.push_back(walk.path().substr(kStore.size()));
+    }
+    EXPECT_THAT(result, ElementsAre("C\\a\\below\\", "C\\a\\", "C\\b\\", "C\\"));
+}
+
 } // namespace
 } // namespace vardelin::engine

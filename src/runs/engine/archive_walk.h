@@ -24,6 +24,8 @@ public:
     // is not given: what lies directly in it (the profile's copy) is in no catalog. Raises what the
     // port raises; the walk is over then.
     const ArchiveFolder* next();
+    // Lets go of the listing that was given last, where it is not needed up to the next call.
+    void release() { m_stack.back().listing.reset(); }
     // Of the folder that was given last; ends in a backslash.
     const std::string& path() const { return m_stack.back().path; }
 

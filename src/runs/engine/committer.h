@@ -36,7 +36,9 @@ struct PendingCopy {
 // cost 2 to 6 ms each.
 class Committer {
 public:
-    static constexpr std::size_t kGroup = 20000;
+    // Few enough that little is left to wait for when the last copy is packed, and many enough that
+    // a flush still serves thousands.
+    static constexpr std::size_t kGroup = 4000;
 
     // The port must outlive this. `group` copies are flushed together.
     // Told of each copy, from any thread.

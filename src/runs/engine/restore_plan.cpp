@@ -329,7 +329,9 @@ std::optional<ChosenFolder> ChosenFolders::next()
         if (m_walk) {
             if (const ArchiveFolder* const listing = m_walk->next()) {
                 CatalogFolder folder(m_files, m_root, m_walk->path(), *listing, m_reader);
-                return newestCopies(folder, m_walk->path(), *listing, m_limitNs);
+                ChosenFolder result = newestCopies(folder, m_walk->path(), *listing, m_limitNs);
+                m_walk->release();
+                return result;
             }
             m_walk.reset();
         }
@@ -367,6 +369,7 @@ std::optional<ChosenFolder> AllCopies::next(std::vector<std::string>& foreign)
             }
             for (const std::string_view name : listing->foreign())
                 foreign.push_back(result.archivePath + std::string(name));
+            m_walk.release();
             return result;
         }
         m_walked = true;
