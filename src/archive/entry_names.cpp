@@ -246,28 +246,46 @@ bool isTemporaryName(std::string_view fileName)
 
 std::string folderRecordName(const FolderMeta& meta)
 {
-    return fmt::format("{}{:x}-{:x}-{:x}-{:x}.zst", kFolderMark, meta.mode, meta.ownerId,
-                       meta.groupId, static_cast<std::uint64_t>(meta.modifiedNs));
+    std::string name = fmt::format("{}{:x}-{:x}-{:x}-{:x}", kFolderMark, meta.mode, meta.ownerId,
+                                   meta.groupId, static_cast<std::uint64_t>(meta.modifiedNs));
+    if (meta.passwordTag != 0)
+        name += fmt::format("-{:012x}", meta.passwordTag);
+    return name.append(endingOf(meta.form));
 }
 
 std::optional<FolderMeta> parseFolderRecordName(std::string_view fileName)
 {
-    if (!fileName.starts_with(kFolderMark) || !fileName.ends_with(".zst"))
+    Form form = Form::Compressed;
+    if (fileName.ends_with(endingOf(Form::Encrypted)))
+        form = Form::Encrypted;
+    else if (!fileName.ends_with(endingOf(form)))
+        return std::nullopt;
+    if (!fileName.starts_with(kFolderMark))
         return std::nullopt;
     std::string_view text = fileName.substr(kFolderMark.size());
-    text.remove_suffix(4);
+    text.remove_suffix(endingOf(form).size());
     std::uint64_t mode = 0;
     std::uint64_t owner = 0;
     std::uint64_t group = 0;
     std::uint64_t modified = 0;
     if (!takeHex(text, mode) || !takeDash(text) || !takeHex(text, owner) || !takeDash(text) ||
-        !takeHex(text, group) || !takeDash(text) || !takeHex(text, modified) || !text.empty())
+        !takeHex(text, group) || !takeDash(text) || !takeHex(text, modified))
         return std::nullopt;
+    std::uint64_t tag = 0;
+    if (!text.empty()) {
+        if (!takeDash(text) || text.size() != kTagDigits || !takeHex(text, tag) || !text.empty() ||
+            tag == 0)
+            return std::nullopt;
+    }
     constexpr std::uint64_t kLargest = 0xffffffff;
     if (mode > kLargest || owner > kLargest || group > kLargest)
         return std::nullopt;
-    return FolderMeta{static_cast<std::uint32_t>(mode), static_cast<std::uint32_t>(owner),
-                      static_cast<std::uint32_t>(group), static_cast<std::int64_t>(modified)};
+    return FolderMeta{static_cast<std::uint32_t>(mode),
+                      static_cast<std::uint32_t>(owner),
+                      static_cast<std::uint32_t>(group),
+                      static_cast<std::int64_t>(modified),
+                      tag,
+                      form};
 }
 
 } // namespace vardelin::archive

@@ -73,13 +73,17 @@ std::string sourceNameOf(std::string_view parsedSourceName);
 std::string temporaryName(std::uint64_t serial);
 bool isTemporaryName(std::string_view fileName);
 
-// The record of a folder that is empty or whose rights are not the usual ones: `~folder_<meta>.zst`
-// with <meta> its mode, owner, group and modification time in hexadecimal. It carries no mark.
+// The record of a folder that is empty or whose rights are not the usual ones:
+// `~folder_<meta>.zst`, or `.vda` where it is encrypted, with <meta> its mode, owner, group and
+// modification time in hexadecimal and, where a password was in force, its tag in 12 digits. It
+// carries no mark.
 struct FolderMeta {
     std::uint32_t mode = 0;
     std::uint32_t ownerId = 0;
     std::uint32_t groupId = 0;
     std::int64_t modifiedNs = 0;
+    std::uint64_t passwordTag = 0; // 0 for none
+    Form form = Form::Compressed;  // or Encrypted
 
     friend bool operator==(const FolderMeta&, const FolderMeta&) = default;
 };

@@ -378,11 +378,23 @@ TEST(Backup, RefusesWithAnErrorThatNamesTheThing)
              w.setProfile(text);
          },
          number::kInvalidCall},
-        {"encryption",
+        {"encryption under an empty password",
          [](World& w) {
              ProfileText text;
              text.encrypt = true;
-             w.setProfile(text);
+             text.password = "x";
+             std::string plain = text.plain();
+             plain.replace(plain.find("True\r\nx"), 7, "True\r\n");
+             w.writeRaw(kProfiles + "Work.vdp", profile::scrambleText(plain));
+         },
+         number::kInvalidCall},
+        {"encryption without a word on a password",
+         [](World& w) {
+             ProfileText text;
+             text.encrypt = true;
+             std::string plain = text.plain();
+             plain.replace(plain.find("{Password}\r\nFalse"), 17, "{Password}\r\nFa");
+             w.writeRaw(kProfiles + "Work.vdp", profile::scrambleText(plain));
          },
          number::kInvalidCall},
         {"a profile cut before its end",

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,7 @@ struct ProfileText {
     std::string destination = "D:\\store";
     bool compress = true;
     bool encrypt = false;
+    std::string password = {}; // empty: none
 
     std::string plain() const
     {
@@ -48,7 +50,9 @@ struct ProfileText {
         section("Include by names", one(includeNames));
         section("Exclude by names", one(excludeNames));
         section("Destination path", {destination});
-        section("Password", {"False"});
+        section("Password", password.empty()
+                                ? std::vector<std::string>{"False"}
+                                : std::vector<std::string>{"True", password, "Question", "Answer"});
         lines.push_back("Backup versions =7");
         lines.push_back(compress ? "Compress = True" : "Compress = False");
         lines.push_back(encrypt ? "Encrypt=True" : "Encrypt=False");
@@ -122,6 +126,7 @@ public:
     BackupResult backup()
     {
         Engine engine(machine, kApp, events);
+        engine.useKeyCost(keyCost);
         BackupResult result;
         engine.EngineBackup(kProfiles, "Work.vdp", result.success);
         result.noFiles = engine.NoFilesIdentified();
@@ -138,6 +143,8 @@ public:
         for (const std::string& entry : entries)
             chosen.tryAdd(entry, entry);
         Engine engine(machine, kApp, events);
+        if (rescuePassword)
+            engine.usePassword(*rescuePassword);
         engine.EngineRestore(kProfiles, "Work.vdp", chosen, location, date);
         RestoreResult result;
         result.lost = engine.BackupFilesLost();
@@ -176,6 +183,8 @@ public:
     platform::MemoryMachine ports;
     platform::Machine machine;
     RecordedEvents events;
+    KeyCost keyCost{1, 8}; // the least that there is: tests derive many keys
+    std::optional<std::string> rescuePassword;
 
 private:
     void collect(const std::string& folder, const std::string& below,

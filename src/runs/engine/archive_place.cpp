@@ -31,9 +31,11 @@ ArchivePlace openPlace(const platform::Machine& machine, std::string_view profil
 
 void checkWritable(const ArchivePlace& place)
 {
-    if (place.profile.encrypt)
+    // Otherwise copies that are thought to be under a password would lie open.
+    if (place.profile.encrypt && !place.profile.saysPassword)
         throw RuntimeError(base::error_number::kInvalidCall, place.profilePath,
-                           "the profile asks for encryption, which this version cannot write");
+                           "the profile asks for encryption and is damaged: it does not say under "
+                           "which password, so nothing is written");
     if (!place.profile.saysEncrypt)
         throw RuntimeError(base::error_number::kInvalidCall, place.profilePath,
                            "the profile is cut short or damaged: it does not say whether to "

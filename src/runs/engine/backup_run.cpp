@@ -66,11 +66,11 @@ class BackupRun {
 public:
     BackupRun(const platform::Machine& machine, const std::string& appPath,
               std::string_view profileFolder, std::string_view profileFileName, const RunLink& link,
-              BackupReport& report)
+              const KeyCost& keyCost, BackupReport& report)
         : m_machine(machine), m_files(machine.fileSystem), m_appPath(appPath), m_link(link),
           m_report(report), m_startNs(machine.clock.nowNs()),
           m_place(openPlace(machine, std::string(profileFolder) + std::string(profileFileName))),
-          m_selection(m_place.profile, machine.fileSystem.isCaseSensitive()),
+          m_selection(m_place.profile, machine.fileSystem.isCaseSensitive()), m_keyCost(keyCost),
           m_serial(static_cast<std::uint64_t>(m_startNs))
     {
         report.archiveRoot = m_place.root;
@@ -86,6 +86,8 @@ public:
             if (!m_failure)
                 m_failure = std::current_exception();
         }
+        if (m_keys)
+            m_report.keyDerivations = m_keys->ring().derivations();
         conclude();
         if (m_failure)
             std::rethrow_exception(m_failure);
@@ -105,14 +107,21 @@ private:
         m_report.full = isNewArchive;
         clearAfterCrash();
 
-        scan();
-        if (!m_cancelled)
-            m_dumps = planSettings(m_machine, m_place, m_plan, m_report.missed);
+        m_keys.emplace(m_files, m_place, m_keyCost);
+        do {
+            scan();
+            m_dumps.clear();
+            if (!m_cancelled)
+                m_dumps = planSettings(m_machine, m_place, *m_keys, m_plan, m_report.missed);
+        } while (!m_cancelled && m_keys->settle());
         const bool anything =
             !m_plan.files.empty() || !m_plan.folderRecords.empty() || !m_dumps.empty();
         if (anything && !m_cancelled) {
             m_files.replaceFile(m_place.root + std::string(kRunMarker), {});
             try {
+                m_saveOptions = {m_place.profile.compress, m_startNs, &m_machine.clock,
+                                 m_keys->writeKey()};
+                m_keys->keepSlotFile();
                 save();
             } catch (const RuntimeError&) {
                 if (!m_failure)
@@ -149,7 +158,7 @@ private:
     void scan()
     {
         auto last = m_machine.clock.steady();
-        const ScanScope scope{m_place.root, m_place.destination, m_appPath};
+        const ScanScope scope{m_place.root, m_place.destination, m_appPath, *m_keys};
         m_plan = scanSources(m_machine, m_selection, scope, [&](std::string_view folder) {
             const auto now = m_machine.clock.steady();
             if (now - last >= kScanTick) {
@@ -225,7 +234,7 @@ private:
     void work(const std::vector<Batch>& batches, std::atomic<std::size_t>& next)
     {
         try {
-            FileSaver saver({m_place.profile.compress, m_startNs, &m_machine.clock}, m_serial);
+            FileSaver saver(m_saveOptions, m_serial);
             for (;;) {
                 const std::size_t index = next++;
                 if (index >= batches.size() || m_stop)
@@ -358,7 +367,7 @@ private:
 
     void saveFolderRecords()
     {
-        FileSaver saver({true, m_startNs}, m_serial);
+        FileSaver saver(m_saveOptions, m_serial);
         for (PlannedFolderRecord& record : m_plan.folderRecords) {
             const PlannedFolder& place = m_plan.folders[record.folder];
             try {
@@ -384,14 +393,14 @@ private:
 
     void saveDumps()
     {
-        FileSaver saver({true, m_startNs}, m_serial);
+        FileSaver saver(m_saveOptions, m_serial);
         for (PlannedDump& dump : m_dumps) {
             tellFile(dump.group);
             if (m_cancelled)
                 return;
             const auto archive = openArchiveFolder(dump.archivePath);
             Saved saved = saver.saveContent(*archive, dump.header, platform::asBytes(dump.content),
-                                            dump.fileName);
+                                            dump.name);
             PendingCopy copy = pending(dump.archivePath, saved);
             copy.settingsGroup = dump.group;
             copy.replaced = std::move(dump.oldFiles);
@@ -476,6 +485,9 @@ private:
     std::int64_t m_startNs;
     ArchivePlace m_place;
     Selection m_selection;
+    KeyCost m_keyCost;
+    std::optional<RunKeys> m_keys;
+    SaveOptions m_saveOptions;
     ScanPlan m_plan;
     std::vector<PlannedDump> m_dumps;
     std::atomic<std::uint64_t> m_serial;
@@ -494,9 +506,9 @@ private:
 
 void runBackup(const platform::Machine& machine, const std::string& appPath,
                std::string_view profileFolder, std::string_view profileFileName,
-               const RunLink& link, BackupReport& report)
+               const RunLink& link, const KeyCost& keyCost, BackupReport& report)
 {
-    BackupRun(machine, appPath, profileFolder, profileFileName, link, report).run();
+    BackupRun(machine, appPath, profileFolder, profileFileName, link, keyCost, report).run();
 }
 
 } // namespace vardelin::engine

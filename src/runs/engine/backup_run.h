@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/machine.h"
+#include "runs/engine/key_slot.h"
 #include "runs/engine/outcome.h"
 
 #include <cstdint>
@@ -19,9 +20,10 @@ struct RunLink {
 };
 
 // Runs one backup from the saved profile to the log record, and fills `report` as it goes, so that
-// it tells what was done even when the run raises. `profileFolder` ends in a backslash.
+// it tells what was done even when the run raises. `profileFolder` ends in a backslash. `keyCost`
+// is that of a new password's key.
 void runBackup(const platform::Machine& machine, const std::string& appPath,
                std::string_view profileFolder, std::string_view profileFileName,
-               const RunLink& link, BackupReport& report);
+               const RunLink& link, const KeyCost& keyCost, BackupReport& report);
 
 } // namespace vardelin::engine

@@ -77,10 +77,10 @@ platform::Folder& CatalogFolder::folder()
     return *m_folder;
 }
 
-void eachCopy(platform::FileSystem& files, std::string_view root,
+void eachCopy(platform::FileSystem& files, std::string_view root, const KeyRing* ring,
               const std::function<bool(const CopyRecord&)>& each)
 {
-    CopyReader reader;
+    CopyReader reader(ring);
     ArchiveWalk walk(files, root, root);
     while (const ArchiveFolder* const listing = walk.next()) {
         CatalogFolder folder(files, root, walk.path(), *listing, reader);

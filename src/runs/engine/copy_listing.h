@@ -48,8 +48,9 @@ private:
 };
 
 // Tells every copy of the archive at `root` in the catalog's order, settings aside. `each` gives
-// false to stop.
-void eachCopy(platform::FileSystem& files, std::string_view root,
+// false to stop. `ring` opens the headers of encrypted copies whose names tell too little; without
+// it such a copy has no size and no times.
+void eachCopy(platform::FileSystem& files, std::string_view root, const KeyRing* ring,
               const std::function<bool(const CopyRecord&)>& each);
 
 } // namespace vardelin::engine

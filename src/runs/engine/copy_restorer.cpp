@@ -1,6 +1,7 @@
 #include "runs/engine/copy_restorer.h"
 
 #include "archive/entry_names.h"
+#include "runs/engine/encrypted_copy.h"
 
 #include <algorithm>
 #include <array>
@@ -185,23 +186,38 @@ std::string linkGroupOf(const CopyHeader& header, std::int64_t modifiedNs)
 
 } // namespace
 
-CopyRestorer::CopyRestorer(std::atomic<std::uint64_t>& serial) : m_serial(serial) {}
-
-// Reads a copy's header and makes sure that it is the one that its place and name say.
-CopyHeader CopyRestorer::checkedHeader(platform::File& file, const std::string& sourceFolder,
-                                       const ChosenCopy& copy)
+CopyRestorer::CopyRestorer(std::atomic<std::uint64_t>& serial, const KeyRing& ring)
+    : m_serial(serial), m_ring(ring), m_reader(&ring)
 {
+}
+
+// Reads a copy's header and makes sure that it is the one that its place and name say. The time in
+// the name alone may differ, since a touched file is renamed.
+CopyHeader CopyRestorer::checkedHeader(platform::Folder& archive, platform::File& file,
+                                       const std::string& sourceFolder, const ChosenCopy& copy)
+{
+    const auto refuse = [](std::string reason) {
+        throw RuntimeError(base::error_number::kDeviceIo, {}, std::move(reason));
+    };
     CopyHeader header = m_reader.readHeader(file);
-    const bool isSettings = header.kind == ItemKind::Settings;
-    if (!isSettings && header.path != sourceFolder + copy.sourceName())
-        throw RuntimeError(base::error_number::kDeviceIo, {},
-                           "it holds another file: " + header.path);
+    // A settings text lies right in the folder of its group.
+    const bool isSettings = sourceFolder.empty();
+    const std::string path =
+        isSettings ? std::string(platform::leafOf(archive.path())) + '\\' + copy.sourceName()
+                   : sourceFolder + copy.sourceName();
+    if (header.path != path)
+        refuse("it holds another file: " + header.path);
+    if ((header.kind == ItemKind::Settings) != isSettings || header.kind == ItemKind::Folder)
+        refuse("it holds something of another kind");
     // A renumbered copy keeps the number that it was saved under in its name.
     const auto name = archive::parseCopyName(copy.fileName);
-    const bool isRenumbered = name && name->meta && name->meta->serial != 0;
-    if (header.version !=
-        (isRenumbered ? name->meta->serial : static_cast<std::uint32_t>(copy.version)))
-        throw RuntimeError(base::error_number::kDeviceIo, {}, "it holds another version");
+    const bool renumbered = name && name->meta && name->meta->serial != 0;
+    const auto version = renumbered ? name->meta->serial : static_cast<std::uint32_t>(copy.version);
+    if (header.version != version)
+        refuse("it holds another version");
+    if (name && name->meta &&
+        (header.savedNs != name->meta->savedNs || header.sizeBytes != name->meta->sizeBytes))
+        refuse("it holds a copy of another run");
     return header;
 }
 
@@ -226,7 +242,9 @@ RestoredCopy CopyRestorer::restore(platform::Folder& archive, const std::string&
         result.dress(header, copy.modifiedNs);
         return {result.keep(), copy.sizeBytes, {}};
     }
-    const CopyHeader header = checkedHeader(*file, sourceFolder, copy);
+    const CopyHeader header = checkedHeader(archive, *file, sourceFolder, copy);
+    if (!m_ring.opens(header.slot))
+        throw PasswordError();
     if (header.kind == ItemKind::SymbolicLink) {
         m_reader.readContent(*file, header, [](std::span<const std::byte>) {});
         return restoreLink(header, copy, target);
@@ -259,6 +277,19 @@ RestoredCopy CopyRestorer::restoreLink(const CopyHeader& header, const ChosenCop
     return {name, 0, {}};
 }
 
+std::string CopyRestorer::readText(platform::Folder& archive, const ChosenCopy& copy)
+{
+    const auto file = archive.open(copy.fileName, OpenMode::Read);
+    const CopyHeader header = checkedHeader(archive, *file, {}, copy);
+    if (!m_ring.opens(header.slot))
+        throw PasswordError();
+    std::string text;
+    m_reader.readContent(*file, header, [&](std::span<const std::byte> piece) {
+        text.append(reinterpret_cast<const char*>(piece.data()), piece.size());
+    });
+    return text;
+}
+
 std::uint64_t CopyRestorer::check(platform::Folder& archive, const std::string& sourceFolder,
                                   const ChosenCopy& copy)
 {
@@ -268,7 +299,7 @@ std::uint64_t CopyRestorer::check(platform::Folder& archive, const std::string& 
         m_reader.readPlain(*file, {copy.sizeBytes, copy.modifiedNs, 0, copy.contentHash}, nowhere);
         return copy.sizeBytes;
     }
-    const CopyHeader header = checkedHeader(*file, sourceFolder, copy);
+    const CopyHeader header = checkedHeader(archive, *file, sourceFolder, copy);
     m_reader.readContent(*file, header, nowhere);
     return header.sizeBytes;
 }

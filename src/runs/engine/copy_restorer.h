@@ -49,24 +49,30 @@ void joinHardLinks(platform::FileSystem& files, const HardLinks& links,
 // Reads single copies and writes them; one a worker thread.
 class CopyRestorer {
 public:
-    explicit CopyRestorer(std::atomic<std::uint64_t>& serial);
+    // `ring` must outlive it.
+    CopyRestorer(std::atomic<std::uint64_t>& serial, const KeyRing& ring);
 
     // Reads one copy into a temporary file of `target`, with mode, times, owner and attributes as
     // far as rights and disk permit. Raises TargetError for the target's faults, and RuntimeError
-    // with the cause as reason for a damaged or vanished archive file; nothing stays then.
+    // with the cause as reason for a damaged or vanished archive file, PasswordError for a copy
+    // that was saved under another password; nothing stays then.
     RestoredCopy restore(platform::Folder& archive, const std::string& sourceFolder,
                          const ChosenCopy& copy, platform::Folder& target);
-    // Reads and checks one copy; gives the bytes of its content. Raises as above.
+    // The content of a settings text. `archive` is the folder of its group. Raises as above.
+    std::string readText(platform::Folder& archive, const ChosenCopy& copy);
+    // Reads and checks one copy; gives the bytes of its content. Raises as above, but asks for the
+    // password of encrypted copies alone.
     std::uint64_t check(platform::Folder& archive, const std::string& sourceFolder,
                         const ChosenCopy& copy);
 
 private:
     RestoredCopy restoreLink(const CopyHeader& header, const ChosenCopy& copy,
                              platform::Folder& target);
-    CopyHeader checkedHeader(platform::File& file, const std::string& sourceFolder,
-                             const ChosenCopy& copy);
+    CopyHeader checkedHeader(platform::Folder& archive, platform::File& file,
+                             const std::string& sourceFolder, const ChosenCopy& copy);
 
     std::atomic<std::uint64_t>& m_serial;
+    const KeyRing& m_ring;
     CopyReader m_reader;
 };
 

@@ -41,7 +41,8 @@ void Engine::EngineBackup(std::string_view profileFolder, std::string_view profi
         success = truth(cameToItsEnd(m_backupReport.outcome));
     };
     try {
-        runBackup(m_machine, m_appPath, profileFolder, profileFileName, link, m_backupReport);
+        runBackup(m_machine, m_appPath, profileFolder, profileFileName, link, m_keyCost,
+                  m_backupReport);
     } catch (const base::RuntimeError& error) {
         m_backupReport.outcome = outcomeOf({.failed = true});
         m_backupReport.failure = failureOf(error);
@@ -61,7 +62,7 @@ void Engine::EngineRestore(std::string_view profileFolder, std::string_view prof
     link.onTotal = [](std::int16_t) {};
     link.cancelled = [&] { return m_cancelRequested != kFalse; };
     RestoreRequest request{std::string(profileFolder), std::string(profileFileName),
-                           std::string(restoreLocation), std::string(restoreDate)};
+                           std::string(restoreLocation), std::string(restoreDate), m_password};
     // Both forms of a folder are taken; a drive's root keeps its backslash.
     while (request.location.size() > 3 && request.location.back() == '\\')
         request.location.pop_back();
@@ -85,11 +86,15 @@ void Engine::EngineRestore(std::string_view profileFolder, std::string_view prof
 BackupPlan planBackup(const platform::Machine& machine, std::string_view appPath,
                       std::string_view profilePath)
 {
-    const ArchivePlace place = openPlace(machine, profilePath);
+    ArchivePlace place = openPlace(machine, profilePath);
     checkWritable(place);
     const Selection selection(place.profile, machine.fileSystem.isCaseSensitive());
-    ScanPlan scan =
-        scanSources(machine, selection, {place.root, place.destination, std::string(appPath)}, {});
+    RunKeys keys(machine.fileSystem, place, {});
+    const ScanScope scope{place.root, place.destination, std::string(appPath), keys};
+    ScanPlan scan;
+    do {
+        scan = scanSources(machine, selection, scope, {});
+    } while (keys.settle());
     BackupPlan plan;
     plan.filesScanned = scan.filesScanned;
     for (const PlannedFile& file : scan.files)
@@ -110,14 +115,17 @@ void listCopies(const platform::Machine& machine, std::string_view profilePath,
     if (!machine.fileSystem.folderExists(place.root))
         throw base::RuntimeError(base::error_number::kPathNotFound, place.root,
                                  "the profile has no archive yet");
-    eachCopy(machine.fileSystem, place.root, each);
+    // Only a copy whose name was too long to tell takes a key.
+    const KeyRing ring(place.profile.password);
+    eachCopy(machine.fileSystem, place.root, &ring, each);
 }
 
 VerifyReport verifyArchive(const platform::Machine& machine, std::string_view profilePath,
                            int samplePercent,
-                           const std::function<bool(std::string_view entry)>& progress)
+                           const std::function<bool(std::string_view entry)>& progress,
+                           const std::optional<std::string>& password)
 {
-    return runVerify(machine, profilePath, samplePercent, progress);
+    return runVerify(machine, profilePath, samplePercent, password, progress);
 }
 
 std::string archiveRootOf(const platform::Machine& machine, std::string_view profilePath)

@@ -2,6 +2,7 @@
 
 #include "base/keyed_collection.h"
 #include "platform/machine.h"
+#include "runs/engine/key_slot.h"
 #include "runs/engine/outcome.h"
 
 #include <cstdint>
@@ -68,6 +69,12 @@ public:
     // After a restore as of a date: no file entry has a copy of that day or before it.
     TruthValue DateNotMatched() const { return m_dateNotMatched; }
 
+    // The password that a restore uses instead of the profile's, for copies that were saved under
+    // an earlier one. To be called before EngineRestore.
+    void usePassword(std::string password) { m_password = std::move(password); }
+    // What deriving a new password's key costs; the archive keeps it with each copy.
+    void useKeyCost(const KeyCost& cost) { m_keyCost = cost; }
+
     // Runs one backup. `profileFolder` ends in a backslash; `profileFileName` has its extension.
     // `success` is true after a run that came to its end.
     void EngineBackup(std::string_view profileFolder, std::string_view profileFileName,
@@ -98,6 +105,8 @@ private:
     TruthValue m_backupFilesLost = kFalse;
     TruthValue m_missedFiles = kFalse;
     TruthValue m_dateNotMatched = kFalse;
+    std::optional<std::string> m_password;
+    KeyCost m_keyCost;
     BackupReport m_backupReport;
     RestoreReport m_restoreReport;
 };
@@ -114,9 +123,12 @@ void listCopies(const platform::Machine& machine, std::string_view profilePath,
 // Reads copies and compares every checksum; writes nothing. `samplePercent` from 1 to 100 takes
 // that share of the copies, spread evenly. `progress` is called for each copy on the caller's
 // thread and gives false to stop.
+// Encrypted copies of another password than the profile's, or `password` where one is given, stand
+// in `mismatched`; copies that are not encrypted need none.
 VerifyReport verifyArchive(const platform::Machine& machine, std::string_view profilePath,
                            int samplePercent,
-                           const std::function<bool(std::string_view entry)>& progress);
+                           const std::function<bool(std::string_view entry)>& progress,
+                           const std::optional<std::string>& password = std::nullopt);
 
 // `<destination>\<profile name without its extension>\` of a saved profile.
 std::string archiveRootOf(const platform::Machine& machine, std::string_view profilePath);

@@ -86,7 +86,8 @@ private:
 } // namespace
 
 FileSaver::FileSaver(const SaveOptions& options, std::atomic<std::uint64_t>& serial)
-    : m_options(options), m_serial(serial), m_writer(kCompressionLevel)
+    : m_options(options), m_serial(serial), m_writer(kCompressionLevel, options.key),
+      m_reader(options.key.ring)
 {
 }
 
@@ -163,8 +164,7 @@ SaveResult FileSaver::saveLink(const SaveTask& task)
     if (auto same = renewed(task, header))
         return *same;
     const auto bytes = m_writer.packEmpty(header);
-    return finish(task, header, archive::Form::Compressed, write(task.archive, bytes),
-                  bytes.size());
+    return finish(task, header, packedForm(), write(task.archive, bytes), bytes.size());
 }
 
 SaveResult FileSaver::saveSmall(const SaveTask& task, platform::File& source,
@@ -206,8 +206,7 @@ SaveResult FileSaver::saveSmall(const SaveTask& task, platform::File& source,
     const auto bytes = m_writer.packWhole(header, content);
     if (auto same = renewed(task, header))
         return *same;
-    return finish(task, header, archive::Form::Compressed, write(task.archive, bytes),
-                  bytes.size());
+    return finish(task, header, packedForm(), write(task.archive, bytes), bytes.size());
 }
 
 SaveResult FileSaver::saveLarge(const SaveTask& task, platform::File& source,
@@ -224,8 +223,9 @@ SaveResult FileSaver::saveLarge(const SaveTask& task, platform::File& source,
         complete = m_writer.copyPlain(header, source, target.file(), progress);
     } else {
         std::unique_ptr<platform::File> earlierFile;
+        std::optional<BodyOpener> opener;
         std::optional<EarlierBody> earlier;
-        openEarlier(task, earlierFile, earlier);
+        openEarlier(task, earlierFile, opener, earlier);
         complete = m_writer.packLarge(header, source, target.file(), earlier ? &*earlier : nullptr,
                                       progress);
     }
@@ -241,25 +241,32 @@ SaveResult FileSaver::saveLarge(const SaveTask& task, platform::File& source,
     if (plain)
         dressPlain(target.file(), header);
     const std::uint64_t stored = target.file().info().sizeBytes;
-    return finish(task, header, plain ? archive::Form::Stored : archive::Form::Compressed,
-                  target.keep(), stored);
+    return finish(task, header, plain ? archive::Form::Stored : packedForm(), target.keep(),
+                  stored);
 }
 
 // The frames of the newest copy, where it is one of ours with an index. A damaged one is no reason
 // to stop: the new copy is then packed from scratch.
 void FileSaver::openEarlier(const SaveTask& task, std::unique_ptr<platform::File>& file,
-                            std::optional<EarlierBody>& earlier)
+                            std::optional<BodyOpener>& opener, std::optional<EarlierBody>& earlier)
 {
     const auto name = archive::parseCopyName(task.earlierName);
-    if (!name || name->form != archive::Form::Compressed)
+    if (!name || name->form == archive::Form::Stored)
         return;
     try {
         file = task.archive.open(task.earlierName, OpenMode::Read);
         const CopyHeader header = m_reader.readHeader(*file);
-        const std::uint64_t offset = encodeHeader(header).size();
-        auto frames = readIndex(*file, header, offset);
-        if (!frames.empty())
-            earlier.emplace(EarlierBody{*file, offset, std::move(frames)});
+        const std::uint64_t offset = m_reader.bodyOffset();
+        const SecretKey* const fileKey = m_reader.fileKey();
+        auto frames = readIndex(*file, header, offset, fileKey);
+        if (frames.empty())
+            return;
+        if (fileKey == nullptr) {
+            earlier.emplace(EarlierBody{*file, offset, std::move(frames), nullptr});
+        } else {
+            opener.emplace(*file, offset, header.bodyBytes, *fileKey);
+            earlier.emplace(EarlierBody{*file, 0, std::move(frames), &*opener});
+        }
     } catch (const RuntimeError&) {
         earlier.reset();
     }
@@ -269,8 +276,8 @@ bool FileSaver::storesPlain(const SaveTask& task, const FileInfo& info) const
 {
     // A copy that its owner could not read, or whose name cannot hold the checksum, is packed.
     const archive::CopyMeta meta{info.sizeBytes, info.modifiedNs, m_options.savedNs,
-                                 archive::ContentHash{}};
-    return !m_options.compress && (info.mode & kOwnerReads) != 0 &&
+                                 archive::ContentHash{}, m_options.key.tag};
+    return !m_options.compress && !m_options.key.encrypt && (info.mode & kOwnerReads) != 0 &&
            archive::copyName(task.name, task.version, meta, archive::Form::Stored).has_value();
 }
 
@@ -285,6 +292,11 @@ void FileSaver::dressPlain(platform::File& file, const CopyHeader& header)
         ignored.attempt([&] { file.setExtendedAttribute(attribute); });
     file.setMode(header.mode);
     file.setTimes(header.accessedNs, header.modifiedNs);
+}
+
+archive::Form FileSaver::packedForm() const
+{
+    return m_options.key.encrypt ? archive::Form::Encrypted : archive::Form::Compressed;
 }
 
 CopyHeader FileSaver::headerFor(const SaveTask& task, const FileInfo& info) const
@@ -310,7 +322,7 @@ SaveResult FileSaver::finish(const SaveTask& task, const CopyHeader& header, arc
                              std::string temporary, std::uint64_t bytesStored)
 {
     const archive::CopyMeta meta{header.sizeBytes, header.modifiedNs, header.savedNs,
-                                 header.contentHash};
+                                 header.contentHash, m_options.key.tag};
     auto finalName = archive::copyName(task.name, task.version, meta, form);
     if (!finalName) {
         base::PendingError ignored; // the next run clears it away
@@ -324,6 +336,11 @@ std::optional<Renewed> FileSaver::renewed(const SaveTask& task, const CopyHeader
 {
     const auto earlier = archive::parseCopyName(task.earlierName);
     if (!earlier || (earlier->meta && earlier->meta->sizeBytes != header.sizeBytes))
+        return std::nullopt;
+    // A copy of another password, or one that is not encrypted as it should be, stays as it is.
+    if (m_options.key.encrypt && earlier->form != archive::Form::Encrypted)
+        return std::nullopt;
+    if (earlier->meta && earlier->meta->passwordTag != m_options.key.tag)
         return std::nullopt;
     archive::CopyMeta meta{header.sizeBytes, header.modifiedNs, header.savedNs, {}};
     if (earlier->form == archive::Form::Stored) {
@@ -344,6 +361,8 @@ std::optional<Renewed> FileSaver::renewed(const SaveTask& task, const CopyHeader
         return std::nullopt; // its header holds the old time and cannot be renewed by a name
     meta.savedNs = earlier->meta->savedNs;
     meta.contentHash = earlier->meta->contentHash;
+    meta.passwordTag = earlier->meta->passwordTag;
+    meta.serial = earlier->meta->serial;
     auto newName = archive::copyName(earlier->sourceName, earlier->version, meta, earlier->form);
     if (!newName)
         return std::nullopt;
@@ -371,15 +390,21 @@ Saved FileSaver::saveFolderRecord(platform::Folder& archive, std::string_view pa
     header.savedNs = m_options.savedNs;
     header.attributes = attributes;
     const auto bytes = m_writer.packEmpty(header);
-    return {write(archive, bytes), archive::folderRecordName(meta), 0, bytes.size()};
+    archive::FolderMeta named = meta;
+    named.passwordTag = m_options.key.tag;
+    named.form = packedForm();
+    return {write(archive, bytes), archive::folderRecordName(named), 0, bytes.size()};
 }
 
 Saved FileSaver::saveContent(platform::Folder& archive, CopyHeader header,
-                             std::span<const std::byte> content, std::string finalName)
+                             std::span<const std::byte> content, std::string_view name)
 {
     header.savedNs = m_options.savedNs;
     const auto bytes = m_writer.packWhole(header, content);
-    return {write(archive, bytes), std::move(finalName), content.size(), bytes.size()};
+    const archive::CopyMeta meta{
+        content.size(), header.modifiedNs, header.savedNs, {}, m_options.key.tag};
+    return {write(archive, bytes), archive::copyName(name, 0, meta, packedForm()).value(),
+            content.size(), bytes.size()};
 }
 
 } // namespace vardelin::engine

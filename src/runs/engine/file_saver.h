@@ -53,6 +53,7 @@ struct SaveOptions {
     // The clock that the sources' disks stamp changes by; without one, files that were changed this
     // very moment are read at once.
     platform::Clock* clock = nullptr;
+    WriteKey key; // whether and for what password copies are sealed
 };
 
 // Writes single copies; one a worker thread. What cannot be read is Missed; a failing archive
@@ -68,9 +69,9 @@ public:
     Saved saveFolderRecord(platform::Folder& archive, std::string_view path,
                            const archive::FolderMeta& meta,
                            const std::vector<platform::ExtendedAttribute>& attributes);
-    // A content that is in memory, under a name of the caller's choice.
+    // A content that is in memory, as the full copy of a short name.
     Saved saveContent(platform::Folder& archive, CopyHeader header,
-                      std::span<const std::byte> content, std::string finalName);
+                      std::span<const std::byte> content, std::string_view name);
 
 private:
     static std::string reasonOf(const SaveTask& task, const SourceError& error);
@@ -82,9 +83,10 @@ private:
     SaveResult saveLarge(const SaveTask& task, platform::File& source,
                          const platform::FileInfo& before, const Progress& progress, bool& changed);
     void openEarlier(const SaveTask& task, std::unique_ptr<platform::File>& file,
-                     std::optional<EarlierBody>& earlier);
+                     std::optional<BodyOpener>& opener, std::optional<EarlierBody>& earlier);
     static void dressPlain(platform::File& file, const CopyHeader& header);
     bool storesPlain(const SaveTask& task, const platform::FileInfo& info) const;
+    archive::Form packedForm() const; // of a copy that is not stored as it is
     CopyHeader headerFor(const SaveTask& task, const platform::FileInfo& info) const;
     SaveResult finish(const SaveTask& task, const CopyHeader& header, archive::Form form,
                       std::string temporary, std::uint64_t bytesStored);

@@ -4,6 +4,7 @@
 #include "base/runtime_error.h"
 #include "runs/engine/archive_folder.h"
 #include "runs/engine/copy_reader.h"
+#include "runs/engine/encrypted_copy.h"
 
 #include <algorithm>
 #include <map>
@@ -23,14 +24,17 @@ struct Record {
 
 class Records {
 public:
-    Records(platform::FileSystem& files, const std::string& root) : m_files(files), m_root(root) {}
+    Records(platform::FileSystem& files, const std::string& root, const KeyRing& ring)
+        : m_files(files), m_root(root), m_reader(&ring)
+    {
+    }
 
     const std::optional<Record>& of(const std::string& sourceFolder)
     {
         const auto known = m_known.find(sourceFolder);
         if (known != m_known.end())
             return known->second;
-        std::optional<Record> record = read(archivePathOf(m_root, sourceFolder));
+        std::optional<Record> record = read(sourceFolder);
         const std::string parent(platform::parentOf(sourceFolder));
         if (!record && !parent.empty()) {
             record = of(parent);
@@ -43,21 +47,36 @@ public:
     }
 
 private:
-    std::optional<Record> read(const std::string& archivePath)
+    std::optional<Record> read(const std::string& sourceFolder)
     {
         try {
-            const auto folder = m_files.openFolder(archivePath);
+            const auto folder = m_files.openFolder(archivePathOf(m_root, sourceFolder));
             const ArchiveFolder names(folder->list());
             if (names.folderRecords().empty())
                 return std::nullopt;
             const std::string_view name = names.folderRecords().front();
             Record record{archive::parseFolderRecordName(name).value(), {}, true};
             const auto file = folder->open(name, platform::OpenMode::Read);
-            record.attributes = m_reader.readHeader(*file).attributes;
+            try {
+                CopyHeader header = m_reader.readHeader(*file);
+                if (!isOf(header, sourceFolder, record.meta))
+                    return std::nullopt;
+                record.attributes = std::move(header.attributes);
+            } catch (
+                const PasswordError&) { // NOLINT(bugprone-empty-catch): the name tells the rest
+            }
             return record;
         } catch (const RuntimeError&) {
             return std::nullopt; // a damaged record costs the rights, never the files
         }
+    }
+
+    static bool isOf(const CopyHeader& header, const std::string& sourceFolder,
+                     const archive::FolderMeta& meta)
+    {
+        return header.kind == ItemKind::Folder && header.path == sourceFolder &&
+               header.mode == meta.mode && header.ownerId == meta.ownerId &&
+               header.groupId == meta.groupId && header.modifiedNs == meta.modifiedNs;
     }
 
     platform::FileSystem& m_files;
@@ -68,10 +87,10 @@ private:
 
 } // namespace
 
-void applyFolderRights(platform::FileSystem& files, const std::string& root,
+void applyFolderRights(platform::FileSystem& files, const std::string& root, const KeyRing& ring,
                        const TargetFolders& targets)
 {
-    Records records(files, root);
+    Records records(files, root, ring);
     auto made = targets.made();
     std::reverse(made.begin(), made.end());
     for (const std::string& sourceFolder : made) {

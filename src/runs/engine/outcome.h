@@ -73,6 +73,7 @@ struct BackupReport {
     std::uint64_t skippedSpecial = 0; // sockets, pipes and devices
     std::uint64_t bytesRead = 0;      // of the copies written
     std::uint64_t bytesStored = 0;    // what they take in the archive
+    std::uint64_t keyDerivations = 0; // from the password
     std::vector<Gap> missed;
     std::vector<std::string> settingsSaved; // names of the groups that were written
     // Empty where nothing was missed and the run did not fail after it had saved something.
@@ -86,6 +87,7 @@ struct RestoreReport {
     std::optional<RunFailure> failure; // of a failed run
     std::uint64_t filesRestored = 0;
     std::uint64_t bytesRestored = 0;
+    std::uint64_t keyDerivations = 0;    // from the password
     std::vector<Gap> lost;               // missing or damaged archive files
     std::vector<Gap> mismatched;         // saved under another password
     std::vector<Gap> failed;             // could not be written
@@ -124,6 +126,7 @@ struct VerifyReport {
     std::uint64_t copiesChecked = 0;
     std::uint64_t bytesChecked = 0; // of the sources
     std::vector<Gap> damaged;
+    std::vector<Gap> mismatched;      // encrypted under another password, so not checked
     std::vector<std::string> foreign; // files in the archive that are no copies
 };
 

@@ -230,6 +230,7 @@ private:
                                        &m_profile.hintAnswer};
         for (std::size_t i = 0; i < count; ++i)
             *fields[i] = m_lines[first + i];
+        m_profile.saysPassword = count > 0 && !m_profile.password.empty();
         m_next = first + count;
         if (count == 0)
             tellLine("a password is said to be set and none follows");
@@ -295,7 +296,8 @@ private:
         case Section::Password:
             if (line == "True")
                 return readPassword();
-            if (line != "False")
+            m_profile.saysPassword = line == "False";
+            if (!m_profile.saysPassword)
                 tellUnknown();
             return;
         case Section::IncludeNames:

@@ -44,6 +44,8 @@ struct EngineProfile {
     std::vector<std::string> excludeNames;
     std::string destination; // no backslash at the end unless it is a drive's root; may be empty
     bool hasPassword = false;
+    // False where it cannot be told whether there is a password, or which.
+    bool saysPassword = false;
     std::string password;
     std::string hintQuestion;
     std::string hintAnswer;

@@ -69,7 +69,7 @@ class Planner {
 public:
     Planner(const platform::Machine& machine, const ArchivePlace& place,
             std::optional<base::Date> asOf)
-        : m_files(machine.fileSystem), m_place(place)
+        : m_files(machine.fileSystem), m_place(place), m_reader(place.ring)
     {
         if (asOf) {
             const base::Date next = base::dateFromDays(base::daysSinceEpoch(*asOf) + 1);
@@ -315,9 +315,11 @@ RestorePlan planSettingsGroup(const platform::Machine& machine, const ArchivePla
     return plan;
 }
 
-ChosenFolders::ChosenFolders(platform::FileSystem& files, std::string root, RestorePlan& plan)
+ChosenFolders::ChosenFolders(platform::FileSystem& files, std::string root, RestorePlan& plan,
+                             const KeyRing* ring)
     : m_files(files), m_root(std::move(root)), m_limitNs(plan.limitNs),
-      m_folders(std::exchange(plan.folders, {})), m_trees(std::exchange(plan.trees, {}))
+      m_folders(std::exchange(plan.folders, {})), m_trees(std::exchange(plan.trees, {})),
+      m_reader(ring)
 {
     std::reverse(m_folders.begin(), m_folders.end());
     std::reverse(m_trees.begin(), m_trees.end());
@@ -349,7 +351,8 @@ std::optional<ChosenFolder> ChosenFolders::next()
 }
 
 AllCopies::AllCopies(const platform::Machine& machine, const ArchivePlace& place)
-    : m_machine(machine), m_place(place), m_walk(machine.fileSystem, place.root, place.root)
+    : m_machine(machine), m_place(place), m_walk(machine.fileSystem, place.root, place.root),
+      m_reader(place.ring)
 {
 }
 

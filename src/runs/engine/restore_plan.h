@@ -71,7 +71,9 @@ RestorePlan planSettingsGroup(const platform::Machine& machine, const ArchivePla
 class ChosenFolders {
 public:
     // The port must outlive this; `plan` gives its folders and trees away.
-    ChosenFolders(platform::FileSystem& files, std::string root, RestorePlan& plan);
+    // `ring` opens the headers of copies whose names tell too little; null for none.
+    ChosenFolders(platform::FileSystem& files, std::string root, RestorePlan& plan,
+                  const KeyRing* ring);
 
     // None at the end. Raises what listing the archive raises.
     std::optional<ChosenFolder> next();

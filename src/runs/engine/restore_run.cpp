@@ -8,6 +8,7 @@
 #include "runs/engine/committer.h"
 #include "runs/engine/copy_feed.h"
 #include "runs/engine/copy_restorer.h"
+#include "runs/engine/encrypted_copy.h"
 #include "runs/engine/event_queue.h"
 #include "runs/engine/folder_rights.h"
 #include "runs/engine/restore_plan.h"
@@ -40,8 +41,11 @@ public:
         : m_machine(machine), m_files(machine.fileSystem), m_appPath(appPath), m_request(request),
           m_link(link), m_report(report), m_flags(flags), m_startNs(machine.clock.nowNs()),
           m_place(openPlace(machine, request.profileFolder + request.profileFileName)),
+          m_ring(request.password.value_or(m_place.profile.password)),
           m_serial(TargetFolders::firstSerialOf(m_place.root))
     {
+        wipe(m_place.profile.password);
+        m_place.ring = &m_ring;
     }
 
     // Whatever ends the run early, what it restored until then is counted, logged and reported.
@@ -108,7 +112,7 @@ private:
                                  fail(copy.sourcePath, error);
                              }});
         HardLinks links;
-        ChosenFolders folders(m_files, m_place.root, plan);
+        ChosenFolders folders(m_files, m_place.root, plan, &m_ring);
         CopyFeed feed([&] { return folders.next(); });
         const std::size_t count = workerCount(plan.copies);
         {
@@ -116,7 +120,7 @@ private:
             Workers workers(m_stop);
             workers.start(count, events, [&] {
                 try {
-                    CopyRestorer restorer(m_serial);
+                    CopyRestorer restorer(m_serial, m_ring);
                     while (!m_stop) {
                         const auto batch = feed.next();
                         if (!batch)
@@ -144,7 +148,7 @@ private:
         m_stop = false;
         committer.finish();
         joinHardLinks(m_files, links, m_serial);
-        applyFolderRights(m_files, m_place.root, targets);
+        applyFolderRights(m_files, m_place.root, m_ring, targets);
         if (m_failure)
             std::rethrow_exception(m_failure);
     }
@@ -185,6 +189,10 @@ private:
                 if (error.number() == base::error_number::kDiskFull)
                     throw;
                 fail(place.sourcePath + copy.sourceName(), error);
+            } catch (const PasswordError& error) {
+                const std::lock_guard lock(m_mutex);
+                m_report.mismatched.push_back(
+                    {place.sourcePath + copy.sourceName(), error.reason()});
             } catch (const RuntimeError& error) {
                 lose(place, copy, error.reason().empty() ? error.what() : error.reason());
             }
@@ -258,7 +266,8 @@ private:
             m_report.lost.push_back({group, "the archive holds no such settings"});
             return;
         }
-        const std::size_t lostBefore = m_report.lost.size();
+        const auto gapCount = [this] { return m_report.lost.size() + m_report.mismatched.size(); };
+        const std::size_t gapsBefore = gapCount();
         const std::uint64_t filesBefore = m_report.filesRestored;
         // What lies right in the group's folder is a text to import; the rest are files.
         if (settings.folders.front().sourcePath.empty()) {
@@ -268,7 +277,7 @@ private:
         }
         restoreFiles(settings, {});
         m_report.filesRestored = filesBefore; // the log counts files, and settings are none
-        if (m_report.lost.size() == lostBefore)
+        if (gapCount() == gapsBefore)
             m_report.settingsRestored.push_back(group);
     }
 
@@ -276,13 +285,10 @@ private:
     {
         try {
             const auto folder = m_files.openFolder(place.archivePath);
-            const auto file = folder->open(copy.fileName, platform::OpenMode::Read);
-            std::string text;
-            CopyReader reader;
-            reader.read(*file, [&](std::span<const std::byte> piece) {
-                text.append(reinterpret_cast<const char*>(piece.data()), piece.size());
-            });
+            const std::string text = CopyRestorer(m_serial, m_ring).readText(*folder, copy);
             platform::applyRegistryChanges(m_machine.registry, platform::parseRegistryText(text));
+        } catch (const PasswordError& error) {
+            m_report.mismatched.push_back({group, error.reason()});
         } catch (const RuntimeError& error) {
             m_report.lost.push_back({group, error.what()});
         }
@@ -292,6 +298,7 @@ private:
     void conclude(const base::TextCollection& entries)
     {
         m_flags.backupFilesLost = !m_report.lost.empty();
+        m_report.keyDerivations = m_ring.derivations();
         m_flags.passwordMismatch = !m_report.mismatched.empty();
         const bool gaps = !m_report.lost.empty() || !m_report.mismatched.empty() ||
                           !m_report.failed.empty() || !m_report.notMatched.empty();
@@ -325,6 +332,7 @@ private:
     RestoreFlags& m_flags;
     std::int64_t m_startNs;
     ArchivePlace m_place;
+    KeyRing m_ring;
     std::atomic<std::uint64_t> m_serial;
     double m_unit = 0;
     bool m_cancelled = false;
@@ -344,10 +352,13 @@ void runRestore(const platform::Machine& machine, const std::string& appPath,
 }
 
 VerifyReport runVerify(const platform::Machine& machine, std::string_view profilePath,
-                       int samplePercent,
+                       int samplePercent, const std::optional<std::string>& password,
                        const std::function<bool(std::string_view entry)>& progress)
 {
-    const ArchivePlace place = openPlace(machine, profilePath);
+    ArchivePlace place = openPlace(machine, profilePath);
+    const KeyRing ring(password.value_or(place.profile.password));
+    wipe(place.profile.password);
+    place.ring = &ring;
     if (!machine.fileSystem.folderExists(place.root))
         throw RuntimeError(base::error_number::kPathNotFound, place.root,
                            "the profile has no archive yet");
@@ -384,10 +395,14 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
                 std::string path = folder.archivePath + copy.fileName;
                 events.fileBegins(path);
                 std::string damage;
+                bool mismatched = false;
                 std::uint64_t bytes = 0;
                 try {
                     const auto archive = machine.fileSystem.openFolder(folder.archivePath);
                     bytes = restorer.check(*archive, folder.sourcePath, copy);
+                } catch (const PasswordError& error) {
+                    mismatched = true;
+                    damage = error.reason();
                 } catch (const RuntimeError& error) {
                     damage = error.reason().empty() ? error.what() : error.reason();
                 }
@@ -395,13 +410,14 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
                 ++report.copiesChecked;
                 report.bytesChecked += bytes;
                 if (!damage.empty())
-                    report.damaged.push_back({std::move(path), std::move(damage)});
+                    (mismatched ? report.mismatched : report.damaged)
+                        .push_back({std::move(path), std::move(damage)});
             }
         };
         workers.start(count, events, [&] {
             try {
                 std::atomic<std::uint64_t> none = 0;
-                CopyRestorer restorer(none);
+                CopyRestorer restorer(none, ring);
                 while (!stop) {
                     const auto batch = feed.next();
                     if (!batch)
@@ -428,11 +444,12 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
     if (failure)
         std::rethrow_exception(failure);
     report.foreign = std::move(foreign);
-    std::sort(report.damaged.begin(), report.damaged.end(),
-              [](const Gap& a, const Gap& b) { return a.path < b.path; });
+    for (auto* gaps : {&report.damaged, &report.mismatched})
+        std::sort(gaps->begin(), gaps->end(),
+                  [](const Gap& a, const Gap& b) { return a.path < b.path; });
     report.outcome = outcomeOf({.failed = false,
                                 .cancelled = cancelled,
-                                .gaps = !report.damaged.empty(),
+                                .gaps = !report.damaged.empty() || !report.mismatched.empty(),
                                 .anything = report.copiesChecked > 0});
     return report;
 }

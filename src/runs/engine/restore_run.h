@@ -6,6 +6,7 @@
 #include "runs/engine/outcome.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,8 @@ struct RestoreRequest {
     std::string profileFileName;
     std::string location; // empty: everything goes back to its place
     std::string date;     // "NULL" or D/M/YYYY
+    // The password to use; none: the profile's own. An empty one is none.
+    std::optional<std::string> password;
 };
 
 // Runs one restore up to its log record; fills report and flags as it goes. Targets that cannot be
@@ -32,9 +35,9 @@ void runRestore(const platform::Machine& machine, const std::string& appPath,
                 const RestoreRequest& request, const base::TextCollection& entries,
                 const RunLink& link, RestoreReport& report, RestoreFlags& flags);
 
-// Reads every `100 / samplePercent`th copy and compares all checksums.
+// Reads every `100 / samplePercent`th copy and compares all checksums. `password` as above.
 VerifyReport runVerify(const platform::Machine& machine, std::string_view profilePath,
-                       int samplePercent,
+                       int samplePercent, const std::optional<std::string>& password,
                        const std::function<bool(std::string_view entry)>& progress);
 
 } // namespace vardelin::engine

@@ -17,10 +17,10 @@ using base::RuntimeError;
 
 class SettingsPlanner {
 public:
-    SettingsPlanner(const platform::Machine& machine, const ArchivePlace& place, ScanPlan& plan,
-                    std::vector<Gap>& missed)
-        : m_machine(machine), m_files(machine.fileSystem), m_place(place), m_plan(plan),
-          m_missed(missed)
+    SettingsPlanner(const platform::Machine& machine, const ArchivePlace& place, RunKeys& keys,
+                    ScanPlan& plan, std::vector<Gap>& missed)
+        : m_machine(machine), m_files(machine.fileSystem), m_place(place), m_keys(keys),
+          m_plan(plan), m_missed(missed), m_reader(&keys.ring())
     {
     }
 
@@ -57,7 +57,8 @@ private:
         const platform::FileInfo& info = item.info;
         const ListedCopy* newest = archive == nullptr ? nullptr : archive->newest(name);
         if (newest != nullptr && newest->meta && newest->meta->sizeBytes == info.sizeBytes &&
-            newest->meta->modifiedNs == info.modifiedNs)
+            newest->meta->modifiedNs == info.modifiedNs &&
+            accepts(archivePathOf(root, folderPath), *newest))
             return;
         if (!index) {
             index = static_cast<std::uint32_t>(m_plan.folders.size());
@@ -85,21 +86,24 @@ private:
         dump.header.modifiedNs = m_machine.clock.nowNs();
         if (archive) {
             const ListedCopy* newest = archive->newest(item.relativeName);
-            if (newest != nullptr && isSame(root, *newest, dump.header.contentHash))
+            if (newest != nullptr && newest->meta && accepts(root, *newest) &&
+                isSame(root, *newest, dump.header.contentHash))
                 return;
             for (const ListedCopy& copy : archive->copies()) {
                 if (copy.sourceName == item.relativeName)
                     dump.oldFiles.emplace_back(copy.fileName);
             }
         }
-        const archive::CopyMeta meta{
-            item.bytes.size(), dump.header.modifiedNs, dump.header.modifiedNs, {}};
-        dump.fileName =
-            archive::copyName(item.relativeName, 0, meta, archive::Form::Compressed).value();
+        dump.name = item.relativeName;
         dump.group = group;
         dump.archivePath = root;
         dump.content = std::move(item.bytes);
         m_dumps.push_back(std::move(dump));
+    }
+
+    bool accepts(const std::string& folder, const ListedCopy& copy)
+    {
+        return m_keys.accepts(copy.meta->passwordTag, copy.form, folder, copy.fileName);
     }
 
     bool isSame(const std::string& root, const ListedCopy& copy, const archive::ContentHash& hash)
@@ -123,6 +127,7 @@ private:
     const platform::Machine& m_machine;
     platform::FileSystem& m_files;
     const ArchivePlace& m_place;
+    RunKeys& m_keys;
     ScanPlan& m_plan;
     std::vector<Gap>& m_missed;
     CopyReader m_reader;
@@ -132,9 +137,9 @@ private:
 } // namespace
 
 std::vector<PlannedDump> planSettings(const platform::Machine& machine, const ArchivePlace& place,
-                                      ScanPlan& plan, std::vector<Gap>& missed)
+                                      RunKeys& keys, ScanPlan& plan, std::vector<Gap>& missed)
 {
-    SettingsPlanner planner(machine, place, plan, missed);
+    SettingsPlanner planner(machine, place, keys, plan, missed);
     for (std::size_t i = 0; i < kSettingsGroups.size(); ++i) {
         for (const std::string& wanted : place.profile.otherData) {
             if (base::equalsIgnoringCase(wanted, kSettingsGroups[i])) {

@@ -19,7 +19,7 @@ namespace vardelin::engine {
 struct PlannedDump {
     std::string group;
     std::string archivePath; // ends in a backslash
-    std::string fileName;
+    std::string name;        // in front of the mark
     std::vector<std::string> oldFiles;
     CopyHeader header;
     std::string content;
@@ -28,7 +28,7 @@ struct PlannedDump {
 // Adds the changed files of the profile's groups to the plan and gives the changed texts. What a
 // group names and cannot be looked at goes to `missed`.
 std::vector<PlannedDump> planSettings(const platform::Machine& machine, const ArchivePlace& place,
-                                      ScanPlan& plan, std::vector<Gap>& missed);
+                                      RunKeys& keys, ScanPlan& plan, std::vector<Gap>& missed);
 
 // The name of a group by the number that planned files carry.
 std::string settingsGroupName(std::int8_t group);

@@ -59,7 +59,7 @@ public:
     Scanner(const platform::Machine& machine, const Selection& selection, const ScanScope& scope,
             const std::function<bool(std::string_view)>& proceed)
         : m_machine(machine), m_files(machine.fileSystem), m_selection(selection), m_scope(scope),
-          m_proceed(proceed)
+          m_proceed(proceed), m_reader(&scope.keys.ring())
     {
     }
 
@@ -261,13 +261,26 @@ private:
         if (archive != nullptr) {
             // Of two, which a power cut can leave, both go: nothing tells which one counts.
             const auto& records = archive->folderRecords();
-            if (records.size() == 1 && archive::parseFolderRecordName(records.front()) == meta)
+            if (records.size() == 1 && isUpToDate(place.path, records.front(), meta))
                 return;
             old.assign(records.begin(), records.end());
         }
         if (plain && old.empty())
             return;
         m_plan.folderRecords.push_back({folderIndex(place.path, index), meta, std::move(old)});
+    }
+
+    bool isUpToDate(const std::string& folderPath, std::string_view recordName,
+                    archive::FolderMeta meta)
+    {
+        const auto record = archive::parseFolderRecordName(recordName);
+        if (!record)
+            return false;
+        meta.passwordTag = record->passwordTag;
+        meta.form = record->form;
+        return record == meta &&
+               m_scope.keys.accepts(meta.passwordTag, meta.form,
+                                    archivePathOf(m_scope.archiveRoot, folderPath), recordName);
     }
 
     void searchFolder(const Waiting& place, const FileInfo& own, platform::Folder& folder,
@@ -343,16 +356,23 @@ private:
     {
         if (newest.meta)
             return newest.meta->sizeBytes == info.sizeBytes &&
-                   newest.meta->modifiedNs == info.modifiedNs;
+                   newest.meta->modifiedNs == info.modifiedNs && accepts(folderPath, newest);
         // The name was too long to tell: the copy's own header does.
         try {
             const auto folder = m_files.openFolder(archivePathOf(m_scope.archiveRoot, folderPath));
             const auto file = folder->open(newest.fileName, platform::OpenMode::Read);
             const CopyHeader header = m_reader.readHeader(*file);
-            return header.sizeBytes == info.sizeBytes && header.modifiedNs == info.modifiedNs;
+            return header.sizeBytes == info.sizeBytes && header.modifiedNs == info.modifiedNs &&
+                   m_scope.keys.acceptsSlot(header.slot, newest.form);
         } catch (const RuntimeError&) {
             return false; // unreadable: better one version more
         }
+    }
+
+    bool accepts(const std::string& folderPath, const ListedCopy& copy)
+    {
+        return m_scope.keys.accepts(copy.meta->passwordTag, copy.form,
+                                    archivePathOf(m_scope.archiveRoot, folderPath), copy.fileName);
     }
 
     std::uint32_t folderIndex(const std::string& folderPath, std::optional<std::uint32_t>& index)

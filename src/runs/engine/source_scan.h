@@ -3,6 +3,7 @@
 #include "platform/machine.h"
 #include "runs/engine/archive_folder.h"
 #include "runs/engine/outcome.h"
+#include "runs/engine/run_keys.h"
 #include "runs/engine/selection.h"
 
 #include <cstdint>
@@ -82,6 +83,7 @@ struct ScanScope {
     std::string archiveRoot; // ends in a backslash; need not exist
     std::string destination; // the folder that holds the archive root
     std::string appPath;     // the application folder
+    RunKeys& keys;           // of the profile's password
 };
 
 // `proceed` is called for each folder and gives false to stop the scan; the plan then holds what
