@@ -5,6 +5,7 @@
 #include "ctl/commands.h"
 #include "ctl/outcome_text.h"
 #include "ctl/progress.h"
+#include "ctl/secrets.h"
 #include "ctl/text_forms.h"
 #include "runs/engine/engine.h"
 
@@ -131,6 +132,9 @@ int runList(Session& session, const ListCommand& command)
 int runVerify(Session& session, const VerifyCommand& command)
 {
     const std::string fileName = savedProfile(session, command.name);
+    std::optional<std::string> password;
+    if (command.passwordFile)
+        password = secretFrom(session, *command.passwordFile);
     const auto start = session.machine.clock.steady();
     engine::VerifyReport report;
     std::optional<base::RuntimeError> failure;
@@ -139,14 +143,15 @@ int runVerify(Session& session, const VerifyCommand& command)
                           !session.output.json() && !session.output.quiet());
         std::uint64_t count = 0;
         try {
-            report = engine::verifyArchive(session.machine, session.profilePath(fileName),
-                                           command.samplePercent, [&](std::string_view entry) {
-                                               ++count;
-                                               if (line.isDue())
-                                                   line.draw(countText(count, "copy  ", "copies  "),
-                                                             entry);
-                                               return !session.terminal.interrupted();
-                                           });
+            report = engine::verifyArchive(
+                session.machine, session.profilePath(fileName), command.samplePercent,
+                [&](std::string_view entry) {
+                    ++count;
+                    if (line.isDue())
+                        line.draw(countText(count, "copy  ", "copies  "), entry);
+                    return !session.terminal.interrupted();
+                },
+                password);
         } catch (const base::RuntimeError& error) {
             failure = error;
             report.failure = engine::failureOf(error);
@@ -155,6 +160,9 @@ int runVerify(Session& session, const VerifyCommand& command)
     for (const engine::Gap& gap : report.damaged)
         session.output.result(
             fmt::format("damaged  {}: {}\n", visibleText(gap.path), visibleText(gap.reason)));
+    for (const engine::Gap& gap : report.mismatched)
+        session.output.result(
+            fmt::format("unread   {}: {}\n", visibleText(gap.path), visibleText(gap.reason)));
     Json foreign = Json::array();
     for (const std::string& path : report.foreign) {
         session.output.note(fmt::format("foreign  {}", visibleText(session.shown(path))));
@@ -168,16 +176,18 @@ int runVerify(Session& session, const VerifyCommand& command)
     object["copiesChecked"] = report.copiesChecked;
     object["bytesChecked"] = report.bytesChecked;
     object["damaged"] = gapsOf(report.damaged);
+    object["mismatched"] = gapsOf(report.mismatched);
     object["foreign"] = std::move(foreign);
     session.output.object(object);
     if (failure)
         throw base::RuntimeError(*failure);
-    session.output.note(fmt::format(
-        "{}: {} checked, {}, {} damaged, {} ({})",
-        visibleText(fileName.substr(0, fileName.size() - 4)),
-        countText(report.copiesChecked, "copy", "copies"), sizeText(report.bytesChecked),
-        report.damaged.size(), countText(report.foreign.size(), "foreign file", "foreign files"),
-        durationText(session.machine.clock.steady() - start)));
+    session.output.note(
+        fmt::format("{}: {} checked, {}, {} damaged, {} of another password, {} ({})",
+                    visibleText(fileName.substr(0, fileName.size() - 4)),
+                    countText(report.copiesChecked, "copy", "copies"),
+                    sizeText(report.bytesChecked), report.damaged.size(), report.mismatched.size(),
+                    countText(report.foreign.size(), "foreign file", "foreign files"),
+                    durationText(session.machine.clock.steady() - start)));
     return exitCodeOf(report.outcome);
 }
 

@@ -29,6 +29,7 @@ struct Fields {
     bool plain = false;
     bool dryRun = false;
     int samplePercent = 100;
+    std::optional<std::string> verifyPasswordFile;
 };
 
 CLI::App* addCommand(CLI::App& parent, const std::string& name, const std::string& text)
@@ -213,6 +214,9 @@ void addRunCommands(CLI::App& app, Fields& fields)
         ->type_name("DIR");
     restore->add_option("--date", fields.restore.date, "As of the end of a day")
         ->type_name("D/M/YYYY");
+    addText(*restore, "--password-file", fields.restore.passwordFile,
+            "The password of earlier copies, instead of the profile's (- for standard input)",
+            "FILE");
     restore->add_flag("--dry-run", fields.restore.dryRun, "Only list what would be restored");
     onChosen(restore, fields, [&fields] {
         if (fields.restore.all == !fields.restore.entries.empty())
@@ -227,8 +231,11 @@ void addRunCommands(CLI::App& app, Fields& fields)
     verify->add_option("--sample", fields.samplePercent, "Share of the copies to read")
         ->check(CLI::Range(1, 100))
         ->type_name("PERCENT");
+    addText(*verify, "--password-file", fields.verifyPasswordFile,
+            "The password of earlier copies, instead of the profile's (- for standard input)",
+            "FILE");
     onChosen(verify, fields, [&fields] {
-        return VerifyCommand{fields.name, fields.samplePercent};
+        return VerifyCommand{fields.name, fields.samplePercent, fields.verifyPasswordFile};
     });
 }
 

@@ -93,10 +93,12 @@ struct RestoreCommand {
     std::string to;
     std::string date;
     bool dryRun = false;
+    std::optional<std::string> passwordFile; // instead of the profile's password
 };
 struct VerifyCommand {
     std::string name;
     int samplePercent = 100;
+    std::optional<std::string> passwordFile; // likewise
 };
 enum class LogKind { Backup, Restore, Queue };
 struct LogsCommand {

@@ -3,6 +3,7 @@
 #include "ctl/commands.h"
 #include "ctl/paths.h"
 #include "ctl/profile_options.h"
+#include "ctl/secrets.h"
 #include "ctl/text_forms.h"
 #include "platform/registry.h"
 #include "profile/default_profile.h"
@@ -29,28 +30,6 @@ using base::RuntimeError;
 namespace error_number = base::error_number;
 
 constexpr std::string_view kIdleKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\VdIdle";
-
-std::string wholeInput(std::istream& in)
-{
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-std::string readFile(const Session& session, const std::string& typed)
-{
-    return typed == "-" ? wholeInput(session.terminal.in)
-                        : session.files().readAll(session.typedPath(typed));
-}
-
-// The first line, without its end. A password never comes from an argument: those can be seen by
-// everybody on the machine.
-std::string secretFrom(const Session& session, const std::string& typed)
-{
-    const std::string text = readFile(session, typed);
-    std::string_view line = base::beforeFirst(text, "\n");
-    if (line.ends_with('\r'))
-        line.remove_suffix(1);
-    return std::string(line);
-}
 
 // A folder gets its backslash, by which a profile tells it from a file.
 std::string sourceFrom(const Session& session, const std::string& typed)
@@ -144,12 +123,13 @@ int saveProfile(Session& session, const std::string& fileName, bool primary)
 
 int finishSave(Session& session, const std::string& fileName, const ProfileOptions& options)
 {
-    if (session.editor.chkEncrypt.value == 1)
-        session.output.warning("this version cannot encrypt copies: it saves the profile, but "
-                               "refuses to run it while encryption is on");
     const int code = saveProfile(session, fileName, options.primary);
     if (code == kExitFailed)
         return code;
+    // By what the file says, since that is what a run goes by.
+    const auto saved = engine::readProfile(session.files(), session.profilePath(fileName));
+    if (saved.encrypt && !saved.hasPassword)
+        session.output.warning(std::string(kOpenKeyWarning));
     Json object{{"type", "saved"}};
     putText(object, "profile", fileName);
     putText(object, "path", session.shown(session.profilePath(fileName)));

@@ -1,5 +1,6 @@
 #include "base/text.h"
 #include "ctl/commands.h"
+#include "ctl/secrets.h"
 #include "ctl/text_forms.h"
 #include "profile/list_file.h"
 #include "profile/scramble_text.h"
@@ -75,6 +76,8 @@ std::string readable(const std::string& fileName, const engine::EngineProfile& p
     addLine(text, "Versions", retentionText(profile));
     addLine(text, "Compress", profile.compress ? "yes" : "no");
     addLine(text, "Encrypt", profile.encrypt ? "yes" : "no");
+    if (profile.encrypt && !profile.hasPassword)
+        addLine(text, "", std::string(kOpenKeyWarning));
     addLine(text, "Password",
             profile.hasPassword ? "set, hint: " + profile.hintQuestion : "not set");
     addLine(text, "Schedule", profile.schedule ? scheduleText(*profile.schedule) : "none");

@@ -4,6 +4,7 @@
 #include "ctl/commands.h"
 #include "ctl/outcome_text.h"
 #include "ctl/progress.h"
+#include "ctl/secrets.h"
 #include "ctl/text_forms.h"
 #include "runs/engine/engine.h"
 
@@ -157,6 +158,8 @@ int runRestore(Session& session, const RestoreCommand& command)
     RunProgress progress(session.terminal, session.output, session.machine.clock);
     engine::Engine objRestore(session.machine, session.appPath(), progress);
     progress.follow(objRestore);
+    if (command.passwordFile)
+        objRestore.usePassword(secretFrom(session, *command.passwordFile));
     std::optional<RuntimeError> failure;
     try {
         objRestore.EngineRestore(

@@ -234,16 +234,24 @@ TEST(ProfileCommands, WarnOfALineThatScramblingCannotKeep)
     EXPECT_NE(rig.err.str().find("\\xF8y"), std::string::npos);
 }
 
-TEST(ProfileCommands, SaveAnEncryptedProfileWithAWarning)
+TEST(ProfileCommands, WarnOfEncryptionWithoutAPassword)
 {
     LaidOut rig;
     EXPECT_EQ(rig.run({"profile", "new", "Home", "--source", "letters", "--dest", "D:\\backups",
                        "--encrypt"}),
               0);
-    EXPECT_NE(rig.err.str().find("cannot encrypt"), std::string::npos);
+    EXPECT_NE(rig.err.str().find("guards against casual reading only"), std::string::npos);
     EXPECT_NE(rig.plainProfile("Home.vdp").find("Encrypt=True\r\n"), std::string::npos);
-    EXPECT_EQ(rig.run({"backup", "Home"}), 3);
-    EXPECT_NE(rig.err.str(), "");
+    EXPECT_EQ(rig.run({"profile", "show", "Home"}), 0);
+    EXPECT_NE(rig.out.str().find("guards against casual reading only"), std::string::npos);
+    rig.putFile("C:\\work\\pw", "secret12\n");
+    rig.putFile("C:\\work\\answer", "blue\n");
+    EXPECT_EQ(rig.run({"profile", "set", "Home", "--password-file", "pw", "--hint-question", "Sky?",
+                       "--hint-answer-file", "answer"}),
+              0);
+    EXPECT_EQ(rig.err.str().find("casual"), std::string::npos);
+    EXPECT_EQ(rig.run({"profile", "show", "Home"}), 0);
+    EXPECT_EQ(rig.out.str().find("casual"), std::string::npos);
 }
 
 TEST(ProfileCommands, NameTheFailureOfAMissingListFile)

@@ -102,7 +102,6 @@ TEST(RunCommands, LeaveOutWhatLaterVersionsBring)
     WithProfile rig;
     for (const char* command : {"delete", "prune", "package", "pcbackup"})
         EXPECT_EQ(rig.run({command, "Home"}), 2) << command;
-    EXPECT_EQ(rig.run({"restore", "Home", "--all", "--password-file", "x"}), 2);
 }
 
 TEST(RunCommands, SayWhatIsMissing)
@@ -115,6 +114,39 @@ TEST(RunCommands, SayWhatIsMissing)
     EXPECT_NE(rig.err.str().find("/app/Profiles/Other.vdp"), std::string::npos);
     EXPECT_EQ(rig.run({"list", "Home"}), 3);
     EXPECT_EQ(rig.run({"backup", "../Home"}), 2);
+}
+
+TEST(RunCommands, ThePasswordOfEarlierCopiesComesFromAFile)
+{
+    WithProfile rig;
+    rig.putFile("C:\\work\\old", "old password\n");
+    rig.putFile("C:\\work\\new", "new password\r\n");
+    rig.putFile("C:\\work\\answer", "blue\n");
+    const auto makeProfile = [&](const std::string& passwordFile) {
+        rig.run({"profile", "delete", "Home"});
+        return rig.run({"profile", "new", "Home", "--source", "letters", "--dest", "D:\\backups",
+                        "--encrypt", "--password-file", passwordFile, "--hint-question", "Sky?",
+                        "--hint-answer-file", "answer"});
+    };
+    ASSERT_EQ(makeProfile("old"), 0) << rig.err.str();
+    ASSERT_EQ(rig.run({"backup", "Home"}), 0) << rig.err.str();
+    ASSERT_EQ(makeProfile("new"), 0) << rig.err.str();
+    ASSERT_EQ(rig.run({"backup", "Home"}), 0) << rig.err.str();
+
+    const std::string entry = "C:\\work\\letters\\a.txt_000";
+    EXPECT_EQ(rig.run({"restore", "Home", entry, "--to", "D:\\out"}), 1);
+    EXPECT_NE(rig.out.str().find("another password"), std::string::npos) << rig.out.str();
+    EXPECT_FALSE(rig.world.fileSystem.find("D:\\out\\C\\work\\letters\\a.txt"));
+    EXPECT_EQ(rig.run({"restore", "Home", entry, "--to", "D:\\out", "--password-file", "old"}), 0)
+        << rig.err.str();
+    EXPECT_EQ(rig.world.fileSystem.readAll("D:\\out\\C\\work\\letters\\a.txt"), "hello");
+
+    EXPECT_EQ(rig.run({"verify", "Home"}), 1);
+    EXPECT_NE(rig.out.str().find("a.txt_FULL"), std::string::npos);
+    EXPECT_EQ(rig.out.str().find("damaged  "), std::string::npos);
+    rig.in.str("old password\n");
+    EXPECT_EQ(rig.run({"verify", "Home", "--password-file", "-"}), 1);
+    EXPECT_NE(rig.out.str().find("a.txt_Ver1"), std::string::npos);
 }
 
 TEST(RunCommands, ExportAndImportTheRegistry)

@@ -5,6 +5,8 @@
 #include "runs/engine/copy_reader.h"
 #include "runs/engine/copy_writer.h"
 
+#include "engine/plain_reader.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -102,6 +104,34 @@ TEST_F(EncryptedCopy, AnySizeComesBack)
     }
     large("frames", noise(9'000'000), writer);
     EXPECT_EQ(content("frames", KeyRing("secret")), noise(9'000'000));
+}
+
+TEST_F(EncryptedCopy, TheSecondReaderTakesTheSame)
+{
+    for (const std::size_t size : {0UL, 1UL, 70'000UL, 300'000UL, 9'000'000UL}) {
+        const std::string source = noise(size);
+        const std::string name = "large" + std::to_string(size);
+        large(name, source, writer);
+        const std::string bytes = files.readAll("C:\\" + name);
+        for (const std::string& file : {bytes, whole(source)}) {
+            const plain::Copy copy = plain::read(plain::decrypt(file, "secret"));
+            EXPECT_TRUE(copy.content == source) << size;
+            EXPECT_EQ(copy.path, "C:\\dir\\private name");
+            EXPECT_EQ(copy.version, 3U);
+        }
+        EXPECT_THROW(plain::decrypt(bytes, "other"), std::runtime_error);
+    }
+    WriteKey open;
+    const KeyRing none;
+    open.ring = &none;
+    open.encrypt = true;
+    CopyWriter openWriter(3, open);
+    CopyHeader h = header();
+    const auto bytes = openWriter.packWhole(h, platform::asBytes("content"));
+    EXPECT_EQ(
+        plain::read(plain::decrypt({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, ""))
+            .content,
+        "content");
 }
 
 TEST_F(EncryptedCopy, ABodyOfWholeChunksComesBack)
