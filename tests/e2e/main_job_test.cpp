@@ -45,6 +45,43 @@ TEST(MainJob, SavesVersionsAndBringsBackEachOfThem)
     EXPECT_EQ(world.run({"logs", "restore"}).code, 0);
 }
 
+TEST(MainJob, EncryptsUnderThePasswordAndOpensEarlierCopiesWithTheirs)
+{
+    const World world;
+    world.write("old", "old password\n");
+    world.write("new", "new password\n");
+    world.write("answer", "blue\n");
+    const auto makeProfile = [&](const std::string& passwordFile) {
+        return world
+            .run({"profile", "new", "Secret", "--source", "sources", "--dest", "store", "--encrypt",
+                  "--password-file", passwordFile, "--hint-question", "Sky?", "--hint-answer-file",
+                  "answer"})
+            .code;
+    };
+    std::filesystem::create_directory(world.folder / "store");
+    ASSERT_EQ(makeProfile("old"), 0);
+    ASSERT_EQ(world.run({"backup", "Secret"}).code, 0);
+    EXPECT_EQ(world.run({"backup", "Secret"}).code, 4);
+    EXPECT_EQ(shell("grep -rl first " + shellWord(world.folder / "store")), "");
+    ASSERT_EQ(world.run({"profile", "delete", "Secret"}).code, 0);
+    ASSERT_EQ(makeProfile("new"), 0);
+    ASSERT_EQ(world.run({"backup", "Secret"}).code, 0);
+
+    const std::string letter = World::drive(world.sources + "/letter.txt");
+    EXPECT_EQ(world.run({"restore", "Secret", letter + "_000", "--to", "none"}).code, 1);
+    EXPECT_EQ(world
+                  .run({"restore", "Secret", letter + "_000", "--to", "rescued", "--password-file",
+                        "old"})
+                  .code,
+              0);
+    EXPECT_EQ(world.read("rescued/C" + world.sources + "/letter.txt"), "first\n");
+    EXPECT_EQ(world.run({"restore", "Secret", "--all", "--to", "out"}).code, 0);
+    EXPECT_EQ(shell("diff -r " + shellWord(world.sources) + " " +
+                    shellWord(world.folder / "out/C" + world.sources)),
+              "");
+    EXPECT_EQ(world.run({"verify", "Secret"}).code, 1) << "the copies of the earlier password";
+}
+
 TEST(MainJob, KeepsCopiesThatZstdAloneCanRead)
 {
     const World world;
