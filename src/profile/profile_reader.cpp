@@ -8,6 +8,7 @@
 #include "profile/source_lines.h"
 #include "trace/messages.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -181,6 +182,7 @@ void Reader::readSources()
         if (equalsIgnoringCase(*line, format::kSourceFiles.closing))
             break;
         m_scalars.bSourceLineRead = true;
+        m_scalars.SourceChecked = true;
         m_status = Status::NotAdded;
         addOpenedSource(*line, m_opened.clxnOpenedSources, m_editor.tvwDirectory);
         m_status = Status::None;
@@ -188,8 +190,9 @@ void Reader::readSources()
             bar.value += m_step;
         yield();
     }
-    for (state::TreeNode& node : m_editor.tvwDirectory.nodes)
-        node.checked = true;
+    state::TreeView& tree = m_editor.tvwDirectory;
+    for (std::size_t i = 1; i <= tree.count(); ++i)
+        tree.node(i).checked = true;
 }
 
 void Reader::readExcluded()

@@ -12,20 +12,12 @@ constexpr int kDriveImage = 1;
 
 void addDrive(state::TreeView& tree, const std::string& key, std::string_view text)
 {
-    std::vector<state::TreeNode>& nodes = tree.nodes;
-    for (const state::TreeNode& node : nodes) {
-        if (node.key == key)
-            return; // the tree takes a key once
-    }
-    const std::size_t root = nodes.size();
-    nodes.push_back({.key = key,
-                     .text = std::string(text),
-                     .image = kDriveImage,
-                     .foreColor = state::kWhollySelectedColor,
-                     .checked = true,
-                     .parent = std::nullopt,
-                     .children = 1});
-    nodes.emplace_back().parent = root; // contents not read yet
+    if (tree.find(key) != nullptr)
+        return; // the tree takes a key once
+    state::TreeNode& drive = tree.add(nullptr, {key, std::string(text), kDriveImage});
+    drive.foreColor = state::kWhollySelectedColor;
+    drive.checked = true;
+    tree.add(&drive, {}); // contents not read yet
 }
 
 } // namespace

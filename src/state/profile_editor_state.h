@@ -1,38 +1,13 @@
 #pragma once
 
 #include "state/controls.h"
+#include "state/tree_view.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace vardelin::state {
-
-// Colours of a tree node's text, as 0xBBGGRR: they tell how much of what lies below is selected.
-inline constexpr std::uint32_t kWhollySelectedColor = 0x808000;
-inline constexpr std::uint32_t kPartlySelectedColor = 0x800080;
-inline constexpr std::uint32_t kUnselectedColor = 0;
-
-// One node of the source tree, as far as a profile file decides it. A node whose contents were not
-// read yet has one child with an empty text and an empty key.
-struct TreeNode {
-    std::string key;  // full path, drives and folders with a backslash at the end
-    std::string text; // as shown
-    int image = 0;    // 1 is a drive
-    std::uint32_t foreColor = kUnselectedColor;
-    bool checked = false;
-    std::optional<std::size_t> parent; // index into the tree's nodes; none for a root
-    std::size_t children = 0;
-};
-
-// In the order of insertion; a child stands behind its parent.
-struct TreeView {
-    std::vector<TreeNode> nodes;
-    bool enabled = true;
-};
 
 // The working copy of the profile in the editor, one field a control and named like it. The profile
 // writer reads it, the profile reader writes it, the editor's pages bind to it. There is one

@@ -52,6 +52,8 @@ struct ProfileScalars {
     bool bProfileHasPassword = false;
     bool bOptionsLoaded = false; // the controls are being filled from a file
     bool bSourceLineRead = false;
+    bool SourceChecked = false;      // the newest tick, or a profile read, left a node ticked
+    bool AllSourceUnchecked = false; // the newest tick left no node ticked
     bool bHaveSources = false;
     bool bHaveOtherData = false;
     bool bHaveIncluded = false;

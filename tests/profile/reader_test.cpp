@@ -69,10 +69,8 @@ TEST_P(SourcesTest, GivePrefixesFilesAndFolderMarks)
     for (const std::string& item : GetParam().list)
         EXPECT_TRUE(opened.clxnOpenedSources.contains(item)) << "each is its own key";
     Lines roots;
-    for (const state::TreeNode& node : editor.tvwDirectory.nodes) {
-        if (!node.parent)
-            roots.push_back(node.key);
-    }
+    for (const state::TreeNode* root : editor.tvwDirectory.roots())
+        roots.push_back(root->key());
     EXPECT_EQ(roots, GetParam().roots);
     EXPECT_THAT(rig.dialog.shown, IsEmpty());
 }
@@ -116,28 +114,29 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(ReaderTest, ADriveBecomesATickedRootWithAnEmptyChild)
 {
-    editor.tvwDirectory.nodes.push_back({.key = "X:\\", .text = "X:", .parent = std::nullopt});
+    editor.tvwDirectory.add(nullptr, {.key = "X:\\", .text = "X:"});
     openSection("Source files", {"C:\\Work\\", "C:\\a.txt"});
-    ASSERT_EQ(editor.tvwDirectory.nodes.size(), 3U);
-    const state::TreeNode& root = editor.tvwDirectory.nodes[1];
-    EXPECT_EQ(root.key, "C:\\");
+    ASSERT_EQ(editor.tvwDirectory.count(), 3U);
+    const state::TreeNode& root = editor.tvwDirectory.node(2);
+    EXPECT_EQ(root.key(), "C:\\");
     EXPECT_EQ(root.text, "C:");
     EXPECT_EQ(root.image, 1);
     EXPECT_EQ(root.foreColor, 0x808000U);
-    EXPECT_EQ(root.children, 1U);
-    const state::TreeNode& child = editor.tvwDirectory.nodes[2];
-    EXPECT_EQ(child.key, "");
+    EXPECT_EQ(root.children(), 1U);
+    const state::TreeNode& child = editor.tvwDirectory.node(3);
+    EXPECT_EQ(child.key(), "");
     EXPECT_EQ(child.text, "");
-    EXPECT_EQ(child.parent, 1U);
-    for (const state::TreeNode& node : editor.tvwDirectory.nodes)
-        EXPECT_TRUE(node.checked) << "the end of the section ticks every node: " << node.key;
+    EXPECT_EQ(child.parent(), &root);
+    for (std::size_t i = 1; i <= editor.tvwDirectory.count(); ++i)
+        EXPECT_TRUE(editor.tvwDirectory.node(i).checked)
+            << "the end of the section ticks all: " << i;
 }
 
 TEST_F(ReaderTest, ADriveThatTheTreeHasIsNotAddedAgain)
 {
-    editor.tvwDirectory.nodes.push_back({.key = "C:\\", .text = "C:", .parent = std::nullopt});
+    editor.tvwDirectory.add(nullptr, {.key = "C:\\", .text = "C:"});
     openSection("Source files", {"C:\\a.txt"});
-    EXPECT_EQ(editor.tvwDirectory.nodes.size(), 1U);
+    EXPECT_EQ(editor.tvwDirectory.count(), 1U);
 }
 
 TEST_F(ReaderTest, ASourceLineIsToldToTheEditor)
@@ -146,6 +145,7 @@ TEST_F(ReaderTest, ASourceLineIsToldToTheEditor)
     EXPECT_FALSE(scalars.bSourceLineRead);
     openSection("Source files", {"C:\\a"});
     EXPECT_TRUE(scalars.bSourceLineRead);
+    EXPECT_TRUE(scalars.SourceChecked);
 }
 
 // ---- lists of options

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "base/keyed_collection.h"
+#include "platform/machine.h"
+#include "state/frame_state.h"
+#include "state/profile_editor_state.h"
+#include "state/profile_store.h"
+#include "trace/error_tail.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What the handlers of the profile editor work on. All of it belongs to the thread of the user
+// interface.
+namespace vardelin::editor {
+
+// Images of the tree, by their place in its list, from 1.
+inline constexpr int kDriveImage = 1;
+inline constexpr int kFolderImage = 4;
+inline constexpr int kOpenFolderImage = 5;
+inline constexpr int kPlainFileImage = 6;
+
+// Finds the small icon of a file by its path. Called once a file while a folder is read, so it must
+// neither touch the disk nor wait; a view that draws icons later by the name needs no other one.
+class FileIcons {
+public:
+    FileIcons() = default;
+    FileIcons(const FileIcons&) = delete;
+    FileIcons& operator=(const FileIcons&) = delete;
+    virtual ~FileIcons() = default;
+
+    // The index of the image in the tree's list.
+    virtual int GetIcon(std::string_view path) = 0;
+};
+
+class PlainFileIcons final : public FileIcons {
+public:
+    int GetIcon(std::string_view) override { return kPlainFileImage; }
+};
+
+enum class MousePointer { Default = 0, Hourglass = 11 };
+
+// What the editor's form keeps beside the tree itself. The lists of names are bare names: a
+// folder's name counts wherever in the tree it stands.
+struct SourceTreeForm {
+    explicit SourceTreeForm(base::KeyRule pathRule = base::KeyRule::Exact)
+        : clxnDeferredChecks(pathRule), clxnInheritedNames(pathRule)
+    {
+    }
+
+    std::size_t ViewClickIndex = 0; // of the node whose tick was last refused in a view; 0 for none
+    bool ExpandAllActive = false;   // a whole branch is being expanded
+    base::TextCollection clxnDeferredChecks; // folders ticked before they were read; no keys
+    base::TextCollection clxnInheritedNames; // folders that took over their parent's tick
+    int imageIndex = 0;                      // of the file icon found last
+    int SaveProgressStep = 0;                // dots of the status text, 3 to 6
+    MousePointer mousePointer = MousePointer::Default;
+
+    std::vector<std::string> driDrives; // `c:`, `c: [label]` or `f: [\\server\share]`
+    std::vector<std::string> List1;     // sorts the names of one folder
+    std::string DirFolders;             // the path of the hidden list of folders
+};
+
+// Holds references only; the application owns the parts and keeps them longer than every handler.
+struct EditorContext {
+    platform::Machine& machine;
+    trace::TraceContext& trace;
+    state::FrameState& frame;
+    state::ProfileEditorState& editor;
+    state::ProfileStore& store;
+    SourceTreeForm& form;
+    FileIcons& icons;
+};
+
+} // namespace vardelin::editor
