@@ -31,6 +31,8 @@ Json objectOf(const Session& session, const engine::BackupReport& report,
     object["fullCopies"] = report.fullCopies;
     object["versions"] = report.versions;
     object["renewed"] = report.renewed;
+    object["pruned"] = report.pruned;
+    object["prunedBytes"] = report.prunedBytes;
     object["skippedSpecial"] = report.skippedSpecial;
     object["bytesRead"] = report.bytesRead;
     object["bytesStored"] = report.bytesStored;
@@ -83,6 +85,10 @@ void summarize(const Session& session, const engine::BackupReport& report,
     if (report.renewed > 0)
         noteLine(session, "touched",
                  countText(report.renewed, "file", "files") + " without a change of content");
+    if (report.pruned > 0)
+        noteLine(session, "pruned",
+                 fmt::format("{}, {} freed", countText(report.pruned, "version", "versions"),
+                             sizeText(report.prunedBytes)));
     if (report.skippedSpecial > 0)
         noteLine(session, "skipped",
                  countText(report.skippedSpecial, "socket, pipe or device",

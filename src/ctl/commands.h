@@ -24,6 +24,7 @@ int runBackup(Session& session, const BackupCommand& command);
 int runList(Session& session, const ListCommand& command);
 int runRestore(Session& session, const RestoreCommand& command);
 int runVerify(Session& session, const VerifyCommand& command);
+int runPrune(Session& session, const PruneCommand& command);
 int runReview(Session& session, const ReviewCommand& command);
 
 int runLogs(Session& session, const LogsCommand& command);

@@ -237,6 +237,11 @@ void addRunCommands(CLI::App& app, Fields& fields)
     onChosen(verify, fields, [&fields] {
         return VerifyCommand{fields.name, fields.samplePercent, fields.verifyPasswordFile};
     });
+
+    CLI::App* prune =
+        addNamedCommand(app, fields, "prune", "Remove the versions that the profile does not keep");
+    prune->add_flag("--dry-run", fields.dryRun, "Only list what would go, and why");
+    onChosen(prune, fields, [&fields] { return PruneCommand{fields.name, fields.dryRun}; });
 }
 
 void addOtherCommands(CLI::App& app, Fields& fields)

@@ -100,6 +100,10 @@ struct VerifyCommand {
     int samplePercent = 100;
     std::optional<std::string> passwordFile; // likewise
 };
+struct PruneCommand {
+    std::string name;
+    bool dryRun = false;
+};
 enum class LogKind { Backup, Restore, Queue };
 struct LogsCommand {
     LogKind kind = LogKind::Backup;
@@ -119,8 +123,8 @@ struct ReviewCommand {
 using Command =
     std::variant<InitCommand, ProfileNewCommand, ProfileSetCommand, ProfileShowCommand,
                  ProfileListCommand, ProfileDeleteCommand, ProfileDefaultCommand, ScrambleCommand,
-                 BackupCommand, ListCommand, RestoreCommand, VerifyCommand, LogsCommand,
-                 ScheduleCommand, RegistryCommand, DrivesCommand, ReviewCommand>;
+                 BackupCommand, ListCommand, RestoreCommand, VerifyCommand, PruneCommand,
+                 LogsCommand, ScheduleCommand, RegistryCommand, DrivesCommand, ReviewCommand>;
 
 struct CommandLine {
     GlobalOptions global;

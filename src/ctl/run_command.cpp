@@ -40,6 +40,8 @@ int dispatch(Session& session, const Command& command)
                 return runRestore(session, chosen);
             else if constexpr (std::is_same_v<Chosen, VerifyCommand>)
                 return runVerify(session, chosen);
+            else if constexpr (std::is_same_v<Chosen, PruneCommand>)
+                return runPrune(session, chosen);
             else if constexpr (std::is_same_v<Chosen, LogsCommand>)
                 return runLogs(session, chosen);
             else if constexpr (std::is_same_v<Chosen, ScheduleCommand>)

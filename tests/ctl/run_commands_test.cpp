@@ -56,6 +56,31 @@ TEST(RunCommands, SaveListAndRestore)
               std::string::npos);
 }
 
+TEST(RunCommands, PruneTellsFirstAndRemovesThen)
+{
+    WithProfile rig;
+    EXPECT_EQ(rig.run({"profile", "set", "Home", "--retention", "6:99"}), 0) << rig.err.str();
+    for (const char* content : {"one", "two", "three", "four"}) {
+        rig.putFile("C:\\work\\letters\\a.txt", content);
+        EXPECT_EQ(rig.run({"backup", "Home"}), 0) << rig.err.str();
+    }
+    EXPECT_EQ(rig.run({"prune", "Home", "--dry-run"}), 4);
+    EXPECT_EQ(rig.run({"profile", "set", "Home", "--retention", "6:1"}), 0);
+    EXPECT_EQ(rig.run({"prune", "Home", "--dry-run"}), 0);
+    EXPECT_NE(rig.out.str().find("a.txt_001"), std::string::npos) << rig.out.str();
+    EXPECT_NE(rig.out.str().find("not one of the newest 1"), std::string::npos);
+    EXPECT_EQ(rig.out.str().find("a.txt_003"), std::string::npos) << "the newest stays";
+    EXPECT_EQ(rig.run({"--json", "prune", "Home", "--dry-run"}), 0);
+    EXPECT_NE(rig.out.str().find(R"("type":"pruneDecision")"), std::string::npos);
+    EXPECT_EQ(rig.run({"--json", "prune", "Home"}), 0);
+    EXPECT_NE(rig.out.str().find(R"("outcome":"complete","code":0,"removed":2)"), std::string::npos)
+        << rig.out.str();
+    EXPECT_EQ(rig.run({"list", "Home"}), 0);
+    EXPECT_EQ(rig.out.str(), "Files And Folders\\C:\\work\\letters\\a.txt_000\n"
+                             "Files And Folders\\C:\\work\\letters\\a.txt_003\n");
+    EXPECT_EQ(rig.run({"prune", "Home"}), 4);
+}
+
 TEST(RunCommands, EndWithTheCodeOfACancelledRun)
 {
     WithProfile rig;
@@ -100,7 +125,7 @@ TEST(RunCommands, TellOneOutcomeByCodeAndObject)
 TEST(RunCommands, LeaveOutWhatLaterVersionsBring)
 {
     WithProfile rig;
-    for (const char* command : {"delete", "prune", "package", "pcbackup"})
+    for (const char* command : {"delete", "package", "pcbackup"})
         EXPECT_EQ(rig.run({command, "Home"}), 2) << command;
 }
 

@@ -31,6 +31,8 @@ struct ProfileText {
     bool compress = true;
     bool encrypt = false;
     std::string password = {}; // empty: none
+    int retention = 6;         // with its count: every version stays, as most tests want it
+    int retentionCount = 999;
 
     std::string plain() const
     {
@@ -53,7 +55,10 @@ struct ProfileText {
         section("Password", password.empty()
                                 ? std::vector<std::string>{"False"}
                                 : std::vector<std::string>{"True", password, "Question", "Answer"});
-        lines.push_back("Backup versions =7");
+        std::string kept = "Backup versions =" + std::to_string(retention);
+        if (retention == 6 || retention == 8)
+            kept += "?" + std::to_string(retentionCount);
+        lines.push_back(kept);
         lines.push_back(compress ? "Compress = True" : "Compress = False");
         lines.push_back(encrypt ? "Encrypt=True" : "Encrypt=False");
         lines.push_back("[End of Work.vdp]");

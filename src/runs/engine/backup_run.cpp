@@ -10,6 +10,7 @@
 #include "runs/engine/event_queue.h"
 #include "runs/engine/file_saver.h"
 #include "runs/engine/missed_reason.h"
+#include "runs/engine/prune_run.h"
 #include "runs/engine/selection.h"
 #include "runs/engine/settings_store.h"
 #include "runs/engine/source_scan.h"
@@ -129,6 +130,7 @@ private:
             }
             finish();
         }
+        prune();
         if (isNewArchive && !anything) {
             base::PendingError ignored; // an empty folder left behind harms nobody
             ignored.attempt([&] { m_files.removeFolder(m_place.root); });
@@ -159,14 +161,17 @@ private:
     {
         auto last = m_machine.clock.steady();
         const ScanScope scope{m_place.root, m_place.destination, m_appPath, *m_keys};
-        m_plan = scanSources(m_machine, m_selection, scope, [&](std::string_view folder) {
-            const auto now = m_machine.clock.steady();
-            if (now - last >= kScanTick) {
-                last = now;
-                tellFile(folder);
-            }
-            return !m_cancelled;
-        });
+        m_plan = scanSources(
+            m_machine, m_selection, scope,
+            [&](std::string_view folder) {
+                const auto now = m_machine.clock.steady();
+                if (now - last >= kScanTick) {
+                    last = now;
+                    tellFile(folder);
+                }
+                return !m_cancelled;
+            },
+            [&](const ArchiveFolder& listing) { return m_pruner.finds(listing); });
         m_report.filesScanned = m_plan.filesScanned;
         m_report.skippedSpecial = m_plan.skippedSpecial;
         m_report.missed = std::move(m_plan.missed);
@@ -425,6 +430,38 @@ private:
         }
     }
 
+    // Only when all that the run saved is safe under its names, and also after a run that found
+    // nothing new: versions age by themselves. Folders whose sources are gone are reached from the
+    // folders above them.
+    void prune()
+    {
+        if (m_cancelled || m_failure || m_pruner.keepsEverything())
+            return;
+        PruneReport pruned;
+        const auto proceed = [&](std::string_view entry) {
+            tellFile(entry);
+            return !m_cancelled;
+        };
+        // A new version pushes older ones out where the scan saw nothing to go yet.
+        for (const PlannedFile& file : m_plan.files) {
+            if (file.version >= 2 && file.group < 0)
+                m_plan.prunableFolders.push_back(m_plan.folders[file.folder].archivePath);
+        }
+        auto& folders = m_plan.prunableFolders;
+        std::sort(folders.begin(), folders.end());
+        folders.erase(std::unique(folders.begin(), folders.end()), folders.end());
+        for (const std::string& folder : folders)
+            m_pruner.prune(folder, pruned, proceed);
+        for (const std::string& tree : m_plan.goneTrees)
+            m_pruner.pruneTree(tree, pruned, proceed);
+        m_report.pruned = pruned.removed;
+        m_report.prunedBytes = pruned.removedBytes;
+        for (Gap& gap : pruned.failed)
+            m_report.warnings.push_back(gap.path + " could not be removed: " + gap.reason);
+        if (pruned.removed > 0 && !m_place.profile.compress)
+            archive::writeReviewFiles(m_files, m_appPath, m_place.root);
+    }
+
     void conclude()
     {
         std::sort(m_report.missed.begin(), m_report.missed.end(),
@@ -488,6 +525,7 @@ private:
     KeyCost m_keyCost;
     std::optional<RunKeys> m_keys;
     SaveOptions m_saveOptions;
+    Pruner m_pruner{m_machine, m_place, m_startNs};
     ScanPlan m_plan;
     std::vector<PlannedDump> m_dumps;
     std::atomic<std::uint64_t> m_serial;

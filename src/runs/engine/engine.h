@@ -133,6 +133,19 @@ VerifyReport verifyArchive(const platform::Machine& machine, std::string_view pr
 // `<destination>\<profile name without its extension>\` of a saved profile.
 std::string archiveRootOf(const platform::Machine& machine, std::string_view profilePath);
 
+// What the profile's retention option makes of every copy in its archive, today; removes nothing.
+// `each` gives false to stop. Raises 76 where the profile has no archive.
+void planPrune(const platform::Machine& machine, std::string_view profilePath,
+               const std::function<bool(const PruneDecision&)>& each);
+
+// Removes the versions that fall out of the kept set, as a backup does at its end, also of files
+// whose sources are gone. `proceed` is called with each entry before it goes, on the caller's
+// thread, and gives false to stop. What cannot be removed stands in the report. Raises 70 where
+// another run holds the archive, 76 where there is none.
+PruneReport pruneArchive(const platform::Machine& machine, std::string_view appPath,
+                         std::string_view profilePath,
+                         const std::function<bool(std::string_view entry)>& proceed);
+
 // Writes `Data\ReviewFiles.txt` from the archive, as a backup without compression does at its end.
 void rebuildReviewFiles(const platform::Machine& machine, std::string_view appPath,
                         std::string_view profilePath);

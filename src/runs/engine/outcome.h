@@ -70,6 +70,8 @@ struct BackupReport {
     std::uint64_t fullCopies = 0;
     std::uint64_t versions = 0;
     std::uint64_t renewed = 0;        // touched without a change of content
+    std::uint64_t pruned = 0;         // versions that fell out of the kept set
+    std::uint64_t prunedBytes = 0;    // of their archive files
     std::uint64_t skippedSpecial = 0; // sockets, pipes and devices
     std::uint64_t bytesRead = 0;      // of the copies written
     std::uint64_t bytesStored = 0;    // what they take in the archive
@@ -80,6 +82,14 @@ struct BackupReport {
     std::string missedReportPath;
     std::string archiveRoot;
     std::vector<std::string> warnings; // of the profile, such as a section that never closes
+};
+
+struct PruneReport {
+    Outcome outcome = Outcome::Failed; // until a run has come to another end
+    std::optional<RunFailure> failure; // of a failed run
+    std::uint64_t removed = 0;         // copies
+    std::uint64_t removedBytes = 0;    // of archive files
+    std::vector<Gap> failed;           // archive files that could not be removed
 };
 
 struct RestoreReport {
@@ -118,6 +128,13 @@ struct CopyRecord {
     std::uint64_t storedBytes = 0; // of the archive file
     std::int64_t modifiedNs = 0;   // of the source
     std::int64_t savedNs = 0;      // time of the run
+};
+
+// What the retention option makes of one copy.
+struct PruneDecision {
+    CopyRecord copy;
+    bool keep = true;
+    std::string reason;
 };
 
 struct VerifyReport {

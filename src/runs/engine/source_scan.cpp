@@ -57,9 +57,10 @@ struct Waiting {
 class Scanner {
 public:
     Scanner(const platform::Machine& machine, const Selection& selection, const ScanScope& scope,
-            const std::function<bool(std::string_view)>& proceed)
+            const std::function<bool(std::string_view)>& proceed,
+            const FindsPrunable& findsPrunable)
         : m_machine(machine), m_files(machine.fileSystem), m_selection(selection), m_scope(scope),
-          m_proceed(proceed), m_reader(&scope.keys.ring())
+          m_proceed(proceed), m_findsPrunable(findsPrunable), m_reader(&scope.keys.ring())
     {
     }
 
@@ -229,12 +230,14 @@ private:
         const Rights rights{own.mode, own.ownerId, own.groupId};
         std::optional<std::uint32_t> index;
         const std::size_t firstChild = stack.size();
+        std::size_t archived = 0; // subfolders that the archive has, too
         for (const platform::FolderEntryInfo& entry : entries) {
             if (entry.info.kind == FileKind::Folder) {
                 std::string path = place.path + entry.name + '\\';
                 if (idOf(own) == m_destination && holdsArchive(path, entry.name))
                     continue;
                 const bool mayExist = archive && archive->hasSubfolder(entry.name);
+                archived += mayExist ? 1 : 0;
                 stack.push_back({std::move(path), own.device, rights, mayExist, idOf(entry.info)});
             } else {
                 takeEntry(place.path, entry.name, entry.info, archive.get(), index);
@@ -245,6 +248,25 @@ private:
         const bool plain = place.above && *place.above == rights && !entries.empty() &&
                            folder.extendedAttributes().empty();
         recordFolder(place, own, plain, archive.get(), index);
+        if (m_findsPrunable && archive && archived < archive->subfolders().size())
+            noteGoneTrees(place.path, entries, *archive);
+    }
+
+    // What the archive has of folders that are gone grows no more, but its versions age as well.
+    void noteGoneTrees(const std::string& sourceFolder,
+                       const std::vector<platform::FolderEntryInfo>& entries,
+                       const ArchiveFolder& archive)
+    {
+        std::unordered_set<std::string_view> present;
+        for (const platform::FolderEntryInfo& entry : entries) {
+            if (entry.info.kind == FileKind::Folder)
+                present.insert(entry.name);
+        }
+        for (const std::string_view name : archive.subfolders()) {
+            if (!present.contains(name))
+                m_plan.goneTrees.push_back(archivePathOf(m_scope.archiveRoot, sourceFolder) +
+                                           std::string(name) + '\\');
+        }
     }
 
     // Other profiles' archives lie beside this one, each with its profile's copy in its root.
@@ -312,6 +334,8 @@ private:
             auto archive = std::make_unique<ArchiveFolder>(
                 m_files.openFolder(archivePathOf(m_scope.archiveRoot, sourceFolder))->list());
             m_plan.archiveHasCopies = m_plan.archiveHasCopies || !archive->copies().empty();
+            if (m_findsPrunable && m_findsPrunable(*archive))
+                m_plan.prunableFolders.push_back(archivePathOf(m_scope.archiveRoot, sourceFolder));
             return archive;
         } catch (const RuntimeError& error) {
             // No folder yet: every file in it is new. Anything else must not look like that.
@@ -390,6 +414,7 @@ private:
     const Selection& m_selection;
     const ScanScope& m_scope;
     const std::function<bool(std::string_view)>& m_proceed;
+    const FindsPrunable& m_findsPrunable;
     ScanPlan m_plan;
     CopyReader m_reader;
     FileIds m_forbidden;
@@ -417,9 +442,10 @@ TextRef ScanPlan::keep(std::string_view text)
 
 ScanPlan scanSources(const platform::Machine& machine, const Selection& selection,
                      const ScanScope& scope,
-                     const std::function<bool(std::string_view folder)>& proceed)
+                     const std::function<bool(std::string_view folder)>& proceed,
+                     const FindsPrunable& findsPrunable)
 {
-    return Scanner(machine, selection, scope, proceed).run();
+    return Scanner(machine, selection, scope, proceed, findsPrunable).run();
 }
 
 } // namespace vardelin::engine

@@ -65,6 +65,9 @@ struct ScanPlan {
     std::uint64_t filesScanned = 0;
     std::uint64_t skippedSpecial = 0;
     bool archiveHasCopies = false; // seen in the folders that were listed
+    // Archive folders that have versions to go, and trees whose sources are gone.
+    std::vector<std::string> prunableFolders;
+    std::vector<std::string> goneTrees;
 
     // Keeps a text; raises 6 beyond 4 GB of names.
     TextRef keep(std::string_view text);
@@ -86,11 +89,15 @@ struct ScanScope {
     RunKeys& keys;           // of the profile's password
 };
 
+// Whether an archive folder holds versions that the profile does not keep any more.
+using FindsPrunable = std::function<bool(const ArchiveFolder&)>;
+
 // `proceed` is called for each folder and gives false to stop the scan; the plan then holds what
 // was found so far. Folders that cannot be read stand in `missed`, sources that do not exist in
 // `vanishedSources`.
 ScanPlan scanSources(const platform::Machine& machine, const Selection& selection,
                      const ScanScope& scope,
-                     const std::function<bool(std::string_view folder)>& proceed);
+                     const std::function<bool(std::string_view folder)>& proceed,
+                     const FindsPrunable& findsPrunable = {});
 
 } // namespace vardelin::engine
