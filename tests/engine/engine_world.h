@@ -144,7 +144,7 @@ public:
     RestoreResult restore(const std::vector<std::string>& entries, const std::string& location,
                           const std::string& date = "NULL")
     {
-        base::TextCollection chosen;
+        base::TextCollection chosen(base::KeyRule::Exact);
         for (const std::string& entry : entries)
             chosen.tryAdd(entry, entry);
         Engine engine(machine, kApp, events);

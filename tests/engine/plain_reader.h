@@ -19,6 +19,8 @@ struct Copy {
     std::string content;
     std::uint32_t version = 0;
     std::int64_t modifiedNs = 0;
+    bool isLink = false;
+    std::string linkTarget;
 };
 
 inline std::uint64_t number(std::string_view bytes, std::size_t at, std::size_t width)
@@ -46,8 +48,11 @@ inline Copy read(std::string_view file)
         const std::size_t bytes = number(file, at + 2, 4);
         if (tag == 1)
             copy.path = file.substr(at + 6, bytes);
+        if (tag == 2)
+            copy.linkTarget = file.substr(at + 6, bytes);
         at += 6 + bytes;
     }
+    copy.isLink = file[14] == 1;
     // The whole file, header and index included, is what any decoder takes.
     ZSTD_DCtx* decoder = ZSTD_createDCtx();
     std::string buffer(1 << 20, '\0');
@@ -67,7 +72,9 @@ inline Copy read(std::string_view file)
         copy.content.append(buffer.data(), output.pos);
     }
     ZSTD_freeDCtx(decoder);
-    const XXH128_hash_t hash = XXH3_128bits(copy.content.data(), copy.content.size());
+    // What a link leads to stands in for its content.
+    const std::string& checked = copy.isLink ? copy.linkTarget : copy.content;
+    const XXH128_hash_t hash = XXH3_128bits(checked.data(), checked.size());
     XXH128_canonical_t canonical;
     XXH128_canonicalFromHash(&canonical, hash);
     if (copy.content.size() != number(file, 16, 8) ||

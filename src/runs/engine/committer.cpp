@@ -8,15 +8,21 @@
 #include <utility>
 
 namespace vardelin::engine {
+
+using base::RuntimeError;
+
 namespace {
 
 constexpr std::size_t kWorthSharing = 1000; // renames below that are done before a thread starts
 
 } // namespace
 
-Committer::Committer(platform::FileSystem& files, std::size_t group, Listener listener)
-    : m_files(files), m_group(group), m_listener(std::move(listener))
+Committer::Committer(platform::FileSystem& files, std::size_t group, Listener listener,
+                     Opener opener)
+    : m_open(std::move(opener)), m_group(group), m_listener(std::move(listener))
 {
+    if (!m_open)
+        m_open = [&files](const std::string& path) { return files.openFolder(path); };
 }
 
 void Committer::add(PendingCopy copy)
@@ -51,19 +57,26 @@ void Committer::finish()
     }
     commit(group);
     const std::lock_guard lock(m_mutex);
-    for (const auto& [device, folder] : m_touched)
-        m_files.openFolder(folder)->flushFileSystem();
+    for (const auto& [device, folder] : m_touched) {
+        try {
+            m_open(folder)->flushFileSystem();
+        } catch (const RuntimeError& error) {
+            // The folder was taken away behind the names; what was told as done stays done.
+            if (!m_listener.failed || error.number() == base::error_number::kDeviceIo)
+                throw;
+        }
+    }
     m_touched.clear();
     for (const Replaced& old : m_replaced)
-        m_files.openFolder(old.folderPath)->removeFile(old.name);
+        m_open(old.folderPath)->removeFile(old.name);
     m_replaced.clear();
 }
 
 void Committer::commit(const std::vector<PendingCopy>& group)
 {
     flush(group);
-    // Renaming is the file system's work alone, and two hands do it in little more than half the
-    // time.
+    // Renaming is the file system's work alone, and two hands do it in little more than half
+    // the time.
     if (group.size() < kWorthSharing) {
         rename(group);
         return;
@@ -96,19 +109,19 @@ void Committer::rename(std::span<const PendingCopy> group)
     std::unique_ptr<platform::Folder> folder;
     std::string_view folderPath;
     for (const PendingCopy& copy : group) {
-        if (!folder || copy.folderPath != folderPath) {
-            folder = m_files.openFolder(copy.folderPath);
-            folderPath = copy.folderPath;
-        }
-        if (!m_listener.failed) {
-            give(*folder, copy);
-            continue;
-        }
         try {
+            if (!folder || copy.folderPath != folderPath) {
+                folder.reset();
+                folder = m_open(copy.folderPath);
+                folderPath = copy.folderPath;
+            }
             give(*folder, copy);
-        } catch (const base::RuntimeError& error) {
+        } catch (const RuntimeError& error) {
+            if (!m_listener.failed)
+                throw;
             base::PendingError ignored; // the error that led here is the one to tell
-            ignored.attempt([&] { folder->removeFile(copy.temporaryName); });
+            if (folder)
+                ignored.attempt([&] { folder->removeFile(copy.temporaryName); });
             m_listener.failed(copy, error);
         }
     }
@@ -135,8 +148,17 @@ void Committer::flush(const std::vector<PendingCopy>& group)
         if (copy.folderPath == folderPath)
             continue;
         folderPath = copy.folderPath;
-        const auto folder = m_files.openFolder(copy.folderPath);
-        if (devices.emplace(folder->info().device, copy.folderPath).second)
+        std::unique_ptr<platform::Folder> folder;
+        std::uint64_t device = 0;
+        try {
+            folder = m_open(copy.folderPath);
+            device = folder->info().device;
+        } catch (const RuntimeError&) {
+            if (!m_listener.failed)
+                throw;
+            continue; // its renames will fail and tell
+        }
+        if (devices.emplace(device, copy.folderPath).second)
             folder->flushFileSystem();
     }
     const std::lock_guard lock(m_mutex);

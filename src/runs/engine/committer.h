@@ -8,6 +8,7 @@
 #include <functional>
 #include <future>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <span>
 #include <string>
@@ -17,7 +18,7 @@ namespace vardelin::engine {
 
 // A finished copy under a temporary name, and the name that makes it count.
 struct PendingCopy {
-    std::string folderPath; // in drive form
+    std::string folderPath; // in drive form, or whatever the committer's opener takes
     std::string temporaryName;
     std::string finalName;
     // Names to take away once the new one is sure to stay: behind the last flush, since a disk need
@@ -40,17 +41,20 @@ public:
     // a flush still serves thousands.
     static constexpr std::size_t kGroup = 4000;
 
-    // The port must outlive this. `group` copies are flushed together.
     // Told of each copy, from any thread.
     struct Listener {
         std::function<void(const PendingCopy&)> named; // it has got its final name
-        // It could not: its temporary file is taken away and the others go on. Without this the
-        // error ends the group.
+        // It could not: its temporary file is taken away where that is possible, and the others go
+        // on. Without this the error ends the group.
         std::function<void(const PendingCopy&, const base::RuntimeError&)> failed;
     };
+    // Opens a pending copy's folder, for folders that others may change meanwhile.
+    using Opener = std::function<std::unique_ptr<platform::Folder>(const std::string& folderPath)>;
 
+    // The port must outlive this. `group` copies are flushed together. Without an opener the port
+    // opens the folders.
     explicit Committer(platform::FileSystem& files, std::size_t group = kGroup,
-                       Listener listener = {});
+                       Listener listener = {}, Opener opener = {});
 
     // From any thread. Begins to commit a group when enough copies wait; what that raises is raised
     // by the next such call, or by finish().
@@ -70,7 +74,7 @@ private:
     void give(platform::Folder& folder, const PendingCopy& copy);
     void flush(const std::vector<PendingCopy>& group);
 
-    platform::FileSystem& m_files;
+    Opener m_open;
     std::size_t m_group;
     Listener m_listener;
     std::mutex m_mutex; // guards the three below

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace vardelin::engine {
 namespace {
@@ -42,13 +43,32 @@ std::string plainAcl(std::uint32_t mode)
     return acl;
 }
 
+// Makes something under a temporary name, and under the next one where a name is taken: by what a
+// restore that died left behind, or by a person's file that happens to be called so.
+template <typename Make>
+std::string underFreeName(std::atomic<std::uint64_t>& serial, Make&& make)
+{
+    constexpr int kAttempts = 1000;
+    for (int i = 1;; ++i) {
+        std::string name = archive::temporaryName(serial++);
+        try {
+            onTarget([&] { make(name); });
+            return name;
+        } catch (const TargetError& error) {
+            if (error.number() != base::error_number::kFileExists || i == kAttempts)
+                throw;
+        }
+    }
+}
+
 // A temporary file in the target folder that goes away unless it is kept.
 class TargetFile {
 public:
-    TargetFile(platform::Folder& folder, std::string name)
-        : m_folder(folder), m_name(std::move(name)),
-          m_file(onTarget([&] { return folder.open(m_name, OpenMode::CreateNew); }))
+    TargetFile(platform::Folder& folder, std::atomic<std::uint64_t>& serial) : m_folder(folder)
     {
+        m_name = underFreeName(serial, [&](const std::string& name) {
+            m_file = folder.open(name, OpenMode::CreateNew);
+        });
     }
     ~TargetFile()
     {
@@ -72,6 +92,11 @@ public:
                 m_file->write(piece);
         });
         m_size += piece.size();
+    }
+
+    std::uint64_t inode() const
+    {
+        return onTarget([&] { return m_file->info().inode; });
     }
 
     // Puts on what the header says, as far as this user and this disk can.
@@ -234,13 +259,13 @@ RestoredCopy CopyRestorer::restore(platform::Folder& archive, const std::string&
         header.groupId = info.groupId;
         header.accessedNs = info.accessedNs;
         header.attributes = file->extendedAttributes();
-        TargetFile result(target, archive::temporaryName(m_serial++));
+        TargetFile result(target, m_serial);
         const archive::CopyMeta expected{copy.sizeBytes, copy.modifiedNs, 0, copy.contentHash};
         m_reader.readPlain(*file, expected, [&](std::span<const std::byte> piece) {
             result.append(piece, header.sparse);
         });
         result.dress(header, copy.modifiedNs);
-        return {result.keep(), copy.sizeBytes, {}};
+        return {result.keep(), copy.sizeBytes, {}, 0};
     }
     const CopyHeader header = checkedHeader(archive, *file, sourceFolder, copy);
     if (!m_ring.opens(header.slot))
@@ -251,20 +276,22 @@ RestoredCopy CopyRestorer::restore(platform::Folder& archive, const std::string&
     }
     if (header.kind != ItemKind::File)
         throw RuntimeError(base::error_number::kDeviceIo, {}, "it holds no file");
-    TargetFile result(target, archive::temporaryName(m_serial++));
+    TargetFile result(target, m_serial);
     m_reader.readContent(*file, header, [&](std::span<const std::byte> piece) {
         result.append(piece, header.sparse);
     });
     const std::int64_t modifiedNs = copy.modifiedNs != 0 ? copy.modifiedNs : header.modifiedNs;
+    std::string group = linkGroupOf(header, modifiedNs);
+    const std::uint64_t inode = group.empty() ? 0 : result.inode();
     result.dress(header, modifiedNs);
-    return {result.keep(), header.sizeBytes, linkGroupOf(header, modifiedNs)};
+    return {result.keep(), header.sizeBytes, std::move(group), inode};
 }
 
 RestoredCopy CopyRestorer::restoreLink(const CopyHeader& header, const ChosenCopy& copy,
                                        platform::Folder& target)
 {
-    const std::string name = archive::temporaryName(m_serial++);
-    onTarget([&] { target.createLink(name, header.linkTarget); });
+    std::string name = underFreeName(
+        m_serial, [&](const std::string& free) { target.createLink(free, header.linkTarget); });
     // A link's own owner, times and attributes are a nicety that not every disk has.
     base::PendingError ignored;
     ignored.attempt([&] { target.setOwner(name, header.ownerId, header.groupId); });
@@ -274,7 +301,7 @@ RestoredCopy CopyRestorer::restoreLink(const CopyHeader& header, const ChosenCop
         target.setTimes(name, header.accessedNs,
                         copy.modifiedNs != 0 ? copy.modifiedNs : header.modifiedNs);
     });
-    return {name, 0, {}};
+    return {std::move(name), 0, {}, 0};
 }
 
 std::string CopyRestorer::readText(platform::Folder& archive, const ChosenCopy& copy)
@@ -304,27 +331,33 @@ std::uint64_t CopyRestorer::check(platform::Folder& archive, const std::string& 
     return header.sizeBytes;
 }
 
-void joinHardLinks(platform::FileSystem& files, const HardLinks& links,
+void joinHardLinks(TargetFolders& targets, const HardLinks& links,
                    std::atomic<std::uint64_t>& serial)
 {
-    for (const auto& link : links) {
-        const auto& names = link.second;
-        const auto first = files.openFolder(names.front().first);
-        for (std::size_t i = 1; i < names.size(); ++i) {
-            const auto folder = files.openFolder(names[i].first);
-            const std::string temporary = archive::temporaryName(serial++);
-            // A disk without hard links keeps the files apart, each with its whole content.
-            base::PendingError ignored;
-            if (!ignored.attempt(
-                    [&] { folder->createHardLink(temporary, *first, names.front().second); }))
-                continue;
-            try {
-                folder->rename(temporary, names[i].second);
-            } catch (const RuntimeError&) {
-                ignored.attempt([&] { folder->removeFile(temporary); });
-                throw;
+    const auto isStill = [](platform::Folder& folder, const LinkedName& place) {
+        const auto info = folder.find(place.name);
+        return info && info->inode == place.inode;
+    };
+    for (const auto& [group, places] : links) {
+        // A disk without hard links keeps the files apart, each with its whole content, and so does
+        // a target that somebody changed meanwhile.
+        base::PendingError ignored;
+        ignored.attempt([&] {
+            const LinkedName& first = places.front();
+            const auto from = targets.reopen(first.sourceFolder);
+            if (!isStill(*from, first))
+                return;
+            for (std::size_t i = 1; i < places.size(); ++i) {
+                const auto folder = targets.reopen(places[i].sourceFolder);
+                if (!isStill(*folder, places[i]))
+                    continue;
+                const std::string name = underFreeName(serial, [&](const std::string& free) {
+                    folder->createHardLink(free, *from, first.name);
+                });
+                if (!ignored.attempt([&] { folder->rename(name, places[i].name); }))
+                    ignored.attempt([&] { folder->removeFile(name); });
             }
-        }
+        });
     }
 }
 

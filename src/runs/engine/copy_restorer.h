@@ -4,13 +4,13 @@
 #include "platform/file_system.h"
 #include "runs/engine/copy_reader.h"
 #include "runs/engine/restore_plan.h"
+#include "runs/engine/target_folders.h"
 
 #include <atomic>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace vardelin::engine {
@@ -36,14 +36,23 @@ auto onTarget(Step&& step)
 struct RestoredCopy {
     std::string temporaryName;
     std::uint64_t bytes = 0;
-    std::string linkGroup; // names that were one file share this; empty for a single one
+    // Names that were one file share this, empty for a single one. Content, time and mode stand in
+    // it beside the number that the file had on its disk, since a disk gives a number out again.
+    std::string linkGroup;
+    std::uint64_t inode = 0; // of the temporary file, where there is a link group
 };
 
-// The restored names of each group of hard links: folder path and name.
-using HardLinks = std::map<std::string, std::vector<std::pair<std::string, std::string>>>;
+// One restored name of a group of hard links.
+struct LinkedName {
+    std::string sourceFolder;
+    std::string name;
+    std::uint64_t inode = 0; // of the file that was restored to it
+};
+using HardLinks = std::map<std::string, std::vector<LinkedName>>; // by group
 
-// Makes the names of each group one file again. `serial` numbers temporary names.
-void joinHardLinks(platform::FileSystem& files, const HardLinks& links,
+// Makes the names of each group one file again, as far as each still is the file that was restored
+// to it. `serial` numbers temporary names.
+void joinHardLinks(TargetFolders& targets, const HardLinks& links,
                    std::atomic<std::uint64_t>& serial);
 
 // Reads single copies and writes them; one a worker thread.

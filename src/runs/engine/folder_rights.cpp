@@ -6,9 +6,12 @@
 #include "runs/engine/copy_reader.h"
 #include "runs/engine/encrypted_copy.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
+#include <span>
+#include <utility>
 #include <vector>
 
 namespace vardelin::engine {
@@ -28,6 +31,8 @@ public:
         : m_files(files), m_root(root), m_reader(&ring)
     {
     }
+
+    std::vector<Gap> damaged;
 
     const std::optional<Record>& of(const std::string& sourceFolder)
     {
@@ -49,34 +54,27 @@ public:
 private:
     std::optional<Record> read(const std::string& sourceFolder)
     {
+        std::unique_ptr<platform::Folder> folder;
+        std::string name;
         try {
-            const auto folder = m_files.openFolder(archivePathOf(m_root, sourceFolder));
+            folder = m_files.openFolder(archivePathOf(m_root, sourceFolder));
             const ArchiveFolder names(folder->list());
             if (names.folderRecords().empty())
                 return std::nullopt;
-            const std::string_view name = names.folderRecords().front();
-            Record record{archive::parseFolderRecordName(name).value(), {}, true};
-            const auto file = folder->open(name, platform::OpenMode::Read);
-            try {
-                CopyHeader header = m_reader.readHeader(*file);
-                if (!isOf(header, sourceFolder, record.meta))
-                    return std::nullopt;
-                record.attributes = std::move(header.attributes);
-            } catch (
-                const PasswordError&) { // NOLINT(bugprone-empty-catch): the name tells the rest
-            }
-            return record;
+            name = names.folderRecords().front();
         } catch (const RuntimeError&) {
-            return std::nullopt; // a damaged record costs the rights, never the files
+            return std::nullopt; // no folder of its own in the archive
         }
-    }
-
-    static bool isOf(const CopyHeader& header, const std::string& sourceFolder,
-                     const archive::FolderMeta& meta)
-    {
-        return header.kind == ItemKind::Folder && header.path == sourceFolder &&
-               header.mode == meta.mode && header.ownerId == meta.ownerId &&
-               header.groupId == meta.groupId && header.modifiedNs == meta.modifiedNs;
+        Record record{archive::parseFolderRecordName(name).value(), {}, true};
+        try {
+            record.attributes = readFolderRecord(*folder, name, sourceFolder, m_reader);
+        } catch (const PasswordError&) { // NOLINT(bugprone-empty-catch): the name tells the rest
+        } catch (const RuntimeError& error) {
+            damaged.push_back(
+                {sourceFolder, "the record of its rights: " +
+                                   (error.reason().empty() ? error.what() : error.reason())});
+        }
+        return record;
     }
 
     platform::FileSystem& m_files;
@@ -87,31 +85,45 @@ private:
 
 } // namespace
 
-void applyFolderRights(platform::FileSystem& files, const std::string& root, const KeyRing& ring,
-                       const TargetFolders& targets)
+std::vector<platform::ExtendedAttribute> readFolderRecord(platform::Folder& archive,
+                                                          std::string_view fileName,
+                                                          const std::string& sourceFolder,
+                                                          CopyReader& reader)
+{
+    const auto refuse = [](const char* reason) {
+        throw RuntimeError(base::error_number::kDeviceIo, {}, reason);
+    };
+    const auto file = archive.open(fileName, platform::OpenMode::Read);
+    CopyHeader header = reader.read(*file, [](std::span<const std::byte>) {});
+    if (header.kind != ItemKind::Folder || header.path != sourceFolder)
+        refuse("it is of another folder");
+    const auto named = archive::parseFolderRecordName(fileName);
+    if (!named || header.mode != named->mode || header.ownerId != named->ownerId ||
+        header.groupId != named->groupId || header.modifiedNs != named->modifiedNs)
+        refuse("it says something else than its name");
+    return std::move(header.attributes);
+}
+
+std::vector<Gap> applyFolderRights(platform::FileSystem& files, const std::string& root,
+                                   const KeyRing& ring, TargetFolders& targets)
 {
     Records records(files, root, ring);
-    auto made = targets.made();
-    std::reverse(made.begin(), made.end());
-    for (const std::string& sourceFolder : made) {
+    targets.eachMade([&](const std::string& sourceFolder, platform::Folder& above,
+                         std::string_view name) {
         const std::optional<Record>& record = records.of(sourceFolder);
         if (!record)
-            continue;
-        const std::string path = targets.pathOf(sourceFolder);
+            return;
         // Each of these takes rights that the user may lack; the files are there all the same.
         base::PendingError ignored;
-        ignored.attempt([&] {
-            const auto parent = files.openFolder(platform::parentOf(path));
-            const std::string_view name = platform::leafOf(path);
+        ignored.attempt([&] { above.setOwner(name, record->meta.ownerId, record->meta.groupId); });
+        for (const auto& attribute : record->attributes)
+            ignored.attempt([&] { above.setExtendedAttribute(name, attribute); });
+        ignored.attempt([&] { above.setMode(name, record->meta.mode); });
+        if (record->own)
             ignored.attempt(
-                [&] { parent->setOwner(name, record->meta.ownerId, record->meta.groupId); });
-            for (const auto& attribute : record->attributes)
-                ignored.attempt([&] { parent->setExtendedAttribute(name, attribute); });
-            parent->setMode(name, record->meta.mode);
-            if (record->own)
-                parent->setTimes(name, record->meta.modifiedNs, record->meta.modifiedNs);
-        });
-    }
+                [&] { above.setTimes(name, record->meta.modifiedNs, record->meta.modifiedNs); });
+    });
+    return std::move(records.damaged);
 }
 
 } // namespace vardelin::engine

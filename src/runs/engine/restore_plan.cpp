@@ -2,10 +2,12 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/name_mapping.h"
 #include "runs/engine/settings_groups.h"
 #include "runs/engine/settings_store.h"
 
 #include <algorithm>
+#include <cctype>
 #include <limits>
 #include <map>
 #include <tuple>
@@ -63,6 +65,21 @@ ChosenFolder newestCopies(CatalogFolder& folder, const std::string& archivePath,
     return result;
 }
 
+// A drive letter and a colon begin every file entry, and no part of it may lead elsewhere: anything
+// else names no file of this archive.
+bool isPlainPath(std::string_view entry)
+{
+    if (entry.size() < 3 || std::isalpha(static_cast<unsigned char>(entry[0])) == 0 ||
+        entry[1] != ':' || entry[2] != '\\' || entry.find('/') != std::string_view::npos ||
+        entry.find('\0') != std::string_view::npos)
+        return false;
+    const auto parts = base::split(entry.substr(3), "\\");
+    return std::none_of(parts.begin(), parts.end(), [](std::string_view part) {
+        const std::string name = platform::nameToDisk(part);
+        return name == "." || name == "..";
+    });
+}
+
 class Planner {
     using Targets = std::unordered_map<std::string, std::size_t>; // name to place in the folder
 
@@ -87,8 +104,7 @@ public:
             }
         }
         m_plan.anyFileEntry = true;
-        // A drive letter and a colon begin every file entry; anything else names no file.
-        if (entry.size() < 3 || entry[1] != ':' || entry[2] != '\\')
+        if (!isPlainPath(entry))
             m_plan.lost.push_back({entry, "the archive holds no such entry"});
         else if (entry.back() == '\\')
             addFolder(entry);
@@ -372,6 +388,8 @@ std::optional<ChosenFolder> AllCopies::next(std::vector<std::string>& foreign)
             }
             for (const std::string_view name : listing->foreign())
                 foreign.push_back(result.archivePath + std::string(name));
+            if (!listing->folderRecords().empty())
+                result.folderRecord = listing->folderRecords().front();
             m_walk.release();
             return result;
         }

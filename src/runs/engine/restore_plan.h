@@ -41,7 +41,8 @@ struct ChosenFolder {
     std::string archivePath; // ends in a backslash
     std::string sourcePath;  // likewise; where the files came from
     std::vector<ChosenCopy> copies;
-    bool whole = false; // asked for as a folder: it is made even when it is empty
+    bool whole = false;         // asked for as a folder: it is made even when it is empty
+    std::string folderRecord{}; // AllCopies: the file name of the folder's own record
 };
 
 // What to restore. Single copies are held; what was asked for as a folder is held as its path

@@ -106,11 +106,13 @@ private:
     {
         TargetFolders targets(m_files, location, m_place.profile.sources,
                               TargetFolders::firstSerialOf(m_place.root));
-        Committer committer(m_files, Committer::kGroup,
-                            {[this](const PendingCopy& copy) { count(copy.bytesRead); },
-                             [this](const PendingCopy& copy, const RuntimeError& error) {
-                                 fail(copy.sourcePath, error);
-                             }});
+        Committer committer(
+            m_files, Committer::kGroup,
+            {[this](const PendingCopy& copy) { count(copy.bytesRead); },
+             [this](const PendingCopy& copy, const RuntimeError& error) {
+                 fail(copy.sourcePath, error);
+             }},
+            [&](const std::string& sourceFolder) { return targets.reopen(sourceFolder); });
         HardLinks links;
         ChosenFolders folders(m_files, m_place.root, plan, &m_ring);
         CopyFeed feed([&] { return folders.next(); });
@@ -147,8 +149,9 @@ private:
         }
         m_stop = false;
         committer.finish();
-        joinHardLinks(m_files, links, m_serial);
-        applyFolderRights(m_files, m_place.root, m_ring, targets);
+        joinHardLinks(targets, links, m_serial);
+        for (Gap& gap : applyFolderRights(m_files, m_place.root, m_ring, targets))
+            m_report.lost.push_back(std::move(gap));
         if (m_failure)
             std::rethrow_exception(m_failure);
     }
@@ -174,16 +177,16 @@ private:
             events.advance(m_unit * static_cast<double>(batch.count));
             return;
         }
-        const std::string targetPath = targets.pathOf(place.sourcePath);
         for (std::size_t i = batch.first; i < batch.first + batch.count && !m_stop; ++i) {
             const ChosenCopy& copy = place.copies[i];
             try {
                 const RestoredCopy done =
                     restorer.restore(*archive, place.sourcePath, copy, *target);
-                settle(*target, targetPath, place.sourcePath, copy.sourceName(), done, committer);
+                settle(*target, place.sourcePath, copy.sourceName(), done, committer);
                 if (!done.linkGroup.empty()) {
                     const std::lock_guard lock(m_mutex);
-                    links[done.linkGroup].push_back({targetPath, copy.sourceName()});
+                    links[done.linkGroup].push_back(
+                        {place.sourcePath, copy.sourceName(), done.inode});
                 }
             } catch (const TargetError& error) {
                 if (error.number() == base::error_number::kDiskFull)
@@ -203,13 +206,13 @@ private:
     // A file that replaces another one waits until its data is on the disk, so that a power cut
     // leaves the old one or the new one. A new name has nothing to lose that the archive does not
     // still hold, and flushing a whole restore would take longer than writing it.
-    void settle(Folder& target, const std::string& targetPath, const std::string& sourceFolder,
-                const std::string& name, const RestoredCopy& done, Committer& committer)
+    void settle(Folder& target, const std::string& sourceFolder, const std::string& name,
+                const RestoredCopy& done, Committer& committer)
     {
-        onTarget([&] {
+        try {
             if (target.find(name)) {
                 PendingCopy copy;
-                copy.folderPath = targetPath;
+                copy.folderPath = sourceFolder;
                 copy.temporaryName = done.temporaryName;
                 copy.finalName = name;
                 copy.sourcePath = sourceFolder + name;
@@ -225,7 +228,11 @@ private:
                 }
                 count(done.bytes);
             }
-        });
+        } catch (const RuntimeError& error) {
+            base::PendingError ignored;
+            ignored.attempt([&] { target.removeFile(done.temporaryName); });
+            throw TargetError(error.number(), error.subject(), error.reason());
+        }
     }
 
     // A file counts when it has its name.
@@ -351,6 +358,23 @@ void runRestore(const platform::Machine& machine, const std::string& appPath,
     RestoreRun(machine, appPath, request, link, report, flags).run(entries);
 }
 
+namespace {
+
+void checkFolderRecord(platform::FileSystem& files, const ChosenFolder& folder, CopyReader& reader,
+                       std::vector<Gap>& damaged)
+{
+    try {
+        const auto archive = files.openFolder(folder.archivePath);
+        readFolderRecord(*archive, folder.folderRecord, folder.sourcePath, reader);
+    } catch (const PasswordError&) { // NOLINT(bugprone-empty-catch): the copies beside it tell
+    } catch (const RuntimeError& error) {
+        damaged.push_back({folder.archivePath + folder.folderRecord,
+                           error.reason().empty() ? error.what() : error.reason()});
+    }
+}
+
+} // namespace
+
 VerifyReport runVerify(const platform::Machine& machine, std::string_view profilePath,
                        int samplePercent, const std::optional<std::string>& password,
                        const std::function<bool(std::string_view entry)>& progress)
@@ -365,11 +389,16 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
     const auto lock = machine.fileSystem.lockFolder(place.root);
     VerifyReport report;
     AllCopies copies(machine, place);
-    std::vector<std::string> foreign; // the feed's, as is `share`
+    // The feed's are these three and `share`.
+    std::vector<std::string> foreign;
+    std::vector<Gap> damagedRecords;
+    CopyReader recordReader(&ring);
     // Spread evenly: each copy adds its share, and is read when a whole one has come together.
     int share = 0;
     CopyFeed feed([&] {
         auto folder = copies.next(foreign);
+        if (folder && !folder->folderRecord.empty())
+            checkFolderRecord(machine.fileSystem, *folder, recordReader, damagedRecords);
         if (folder)
             std::erase_if(folder->copies, [&](const ChosenCopy&) {
                 share += std::clamp(samplePercent, 1, 100);
@@ -444,6 +473,7 @@ VerifyReport runVerify(const platform::Machine& machine, std::string_view profil
     if (failure)
         std::rethrow_exception(failure);
     report.foreign = std::move(foreign);
+    report.damaged.insert(report.damaged.end(), damagedRecords.begin(), damagedRecords.end());
     for (auto* gaps : {&report.damaged, &report.mismatched})
         std::sort(gaps->begin(), gaps->end(),
                   [](const Gap& a, const Gap& b) { return a.path < b.path; });

@@ -6,7 +6,8 @@
 #include "runs/engine/archive_folder.h"
 #include "runs/engine/archive_header.h"
 
-#include <utility>
+#include <algorithm>
+#include <cstddef>
 
 namespace vardelin::engine {
 
@@ -27,6 +28,9 @@ TargetFolders::TargetFolders(platform::FileSystem& files, std::string location,
     for (std::string& source : sources)
         m_sources.push_back(source.ends_with('\\') ? std::move(source)
                                                    : std::string(platform::parentOf(source)));
+    // From here on the location is this folder, whatever its name leads to later.
+    if (!m_location.empty())
+        openBase(m_location);
 }
 
 std::string TargetFolders::pathOf(std::string_view sourceFolder) const
@@ -50,20 +54,37 @@ std::string TargetFolders::baseOf(std::string_view sourceFolder) const
     return std::string(base);
 }
 
-std::unique_ptr<platform::Folder> TargetFolders::open(const std::string& sourceFolder)
+std::unique_ptr<platform::Folder> TargetFolders::openBase(const std::string& base)
+{
+    auto folder = m_files.openFolder(base);
+    const platform::FileInfo info = folder->info();
+    const FileId id{info.device, info.inode};
+    const std::lock_guard lock(m_mutex);
+    if (m_bases.emplace(base, id).first->second != id)
+        throw RuntimeError(base::error_number::kPermissionDenied, base,
+                           "it was exchanged for another folder during the run");
+    return folder;
+}
+
+std::unique_ptr<platform::Folder> TargetFolders::walk(const std::string& sourceFolder, bool make,
+                                                      std::size_t leave)
 {
     const std::string base = baseOf(sourceFolder);
     std::string reached = base;
     if (!reached.ends_with('\\'))
         reached += '\\';
     const std::string whole = pathOf(sourceFolder);
-    auto folder = m_files.openFolder(base);
+    std::vector<std::string_view> names;
     for (const std::string_view name :
          base::split(std::string_view(whole).substr(reached.size()), "\\")) {
-        if (name.empty())
-            continue;
+        if (!name.empty())
+            names.push_back(name);
+    }
+    names.resize(names.size() - std::min(names.size(), leave));
+    auto folder = openBase(base);
+    for (const std::string_view name : names) {
         bool isNew = false;
-        if (!folder->find(name)) {
+        if (make && !folder->find(name)) {
             try {
                 folder->createFolder(name);
                 isNew = true;
@@ -76,14 +97,16 @@ std::unique_ptr<platform::Folder> TargetFolders::open(const std::string& sourceF
         folder = folder->openFolder(name, platform::Links::Refuse);
         reached.append(name).append("\\");
         if (isNew) {
+            const platform::FileInfo info = folder->info();
             // The source folder that stands at the same depth.
             const std::string source =
                 sourceFolder.substr(0, sourceFolder.size() - (whole.size() - reached.size()));
             const std::lock_guard lock(m_mutex);
-            m_made.insert(source);
+            m_made.insert_or_assign(source, FileId{info.device, info.inode});
         }
     }
-    clearOnce(*folder, sourceFolder);
+    if (make)
+        clearOnce(*folder, sourceFolder);
     return folder;
 }
 
@@ -109,10 +132,39 @@ std::uint64_t TargetFolders::firstSerialOf(std::string_view archiveRoot)
     return packedHashOf(platform::asBytes(archiveRoot)) >> kCounterBits << kCounterBits;
 }
 
-std::vector<std::string> TargetFolders::made() const
+std::unique_ptr<platform::Folder> TargetFolders::open(const std::string& sourceFolder)
 {
-    const std::lock_guard lock(m_mutex);
-    return {m_made.begin(), m_made.end()};
+    return walk(sourceFolder, true, 0);
+}
+
+std::unique_ptr<platform::Folder> TargetFolders::reopen(const std::string& sourceFolder)
+{
+    return walk(sourceFolder, false, 0);
+}
+
+void TargetFolders::eachMade(
+    const std::function<void(const std::string& sourceFolder, platform::Folder& above,
+                             std::string_view name)>& use)
+{
+    std::map<std::string, FileId> made;
+    {
+        const std::lock_guard lock(m_mutex);
+        made = m_made;
+    }
+    for (auto place = made.rbegin(); place != made.rend(); ++place) {
+        const auto& [sourceFolder, id] = *place;
+        base::PendingError ignored;
+        ignored.attempt([&] {
+            const auto above = walk(sourceFolder, false, 1);
+            const std::string path = pathOf(sourceFolder);
+            const std::string_view name = platform::leafOf(
+                std::string_view(path).substr(0, path.size() - 1)); // without the backslash
+            const auto info = above->find(name);
+            if (info && info->kind == platform::FileKind::Folder &&
+                FileId{info->device, info->inode} == id)
+                use(sourceFolder, *above, name);
+        });
+    }
 }
 
 } // namespace vardelin::engine

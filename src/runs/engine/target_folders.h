@@ -3,11 +3,14 @@
 #include "platform/file_system.h"
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vardelin::engine {
@@ -15,7 +18,9 @@ namespace vardelin::engine {
 // Opens the folders that a restore writes into, and makes the missing ones.
 //
 // Every step below the base goes by an open folder and one name, and never through a symbolic link,
-// so nothing that was planted in the tree, before the run or during it, leads outside.
+// and the base itself stays the folder that it was at its first use; so nothing that was planted in
+// the tree, before the run or during it, leads outside. Whatever a restore does to its target goes
+// by these functions and never by a path.
 class TargetFolders {
 public:
     // With a location everything goes below it, as `<location>\<letter>\<folders>`. Without one,
@@ -27,13 +32,18 @@ public:
     TargetFolders(platform::FileSystem& files, std::string location,
                   std::vector<std::string> sources, std::uint64_t firstSerial);
 
-    // From any thread. `sourceFolder` is `C:\dir\`. Raises 70 where a link is in the way, and what
-    // the port raises.
+    // From any thread. `sourceFolder` is `C:\dir\`. Raises 70 or 75 where a link is in the way or
+    // the base was exchanged, and what the port raises. Makes what is missing.
     std::unique_ptr<platform::Folder> open(const std::string& sourceFolder);
+    // The same again once the files are written: nothing is made, 76 where it is gone.
+    std::unique_ptr<platform::Folder> reopen(const std::string& sourceFolder);
     // The path of the same folder, with a backslash at its end.
     std::string pathOf(std::string_view sourceFolder) const;
-    // Source folders whose targets this run made, parents first.
-    std::vector<std::string> made() const;
+    // Calls `use` for each folder that this run made and that still is the one it made, the deepest
+    // first, with the source folder, the open folder above the target and the target's name in it.
+    // What a folder raises is its own loss alone.
+    void eachMade(const std::function<void(const std::string& sourceFolder, platform::Folder& above,
+                                           std::string_view name)>& use);
 
     // Temporary names of restores begin with a number of their archive's own. Since one run at a
     // time holds an archive, such a name that a run finds belongs to a dead one and not to a
@@ -41,16 +51,24 @@ public:
     static std::uint64_t firstSerialOf(std::string_view archiveRoot);
 
 private:
+    using FileId = std::pair<std::uint64_t, std::uint64_t>; // device and inode
+
     std::string baseOf(std::string_view sourceFolder) const;
     void clearOnce(platform::Folder& folder, const std::string& sourceFolder);
+    std::unique_ptr<platform::Folder> openBase(const std::string& base);
+    // Goes down from the base; `make` makes what is missing, `leave` leaves out so many names at
+    // the end.
+    std::unique_ptr<platform::Folder> walk(const std::string& sourceFolder, bool make,
+                                           std::size_t leave);
 
     platform::FileSystem& m_files;
     std::string m_location;
     std::vector<std::string> m_sources; // folders that source lines name, each ends in a backslash
     std::string m_temporaries;          // how the names of an earlier run's temporaries begin
-    mutable std::mutex m_mutex;         // guards the two below
-    std::set<std::string> m_made;
-    std::set<std::string> m_cleared; // found there, and without temporaries of a dead run
+    std::mutex m_mutex;                 // guards what follows
+    std::map<std::string, FileId> m_bases;
+    std::map<std::string, FileId> m_made; // by source folder
+    std::set<std::string> m_cleared;      // found there, and without temporaries of a dead run
 };
 
 } // namespace vardelin::engine
