@@ -1,11 +1,14 @@
 #include "engine_world.h"
 
 #include "base/runtime_error.h"
+#include "runs/engine/file_saver.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace vardelin::engine {
@@ -207,6 +210,137 @@ TEST_F(Pruning, RenewsTheListOfStoredCopies)
     EXPECT_EQ(prune().removed, 1U);
     EXPECT_EQ(read(kApp + "\\Data\\ReviewFiles.txt").find("a.txt_001"), std::string::npos);
     EXPECT_NE(read(kApp + "\\Data\\ReviewFiles.txt").find("a.txt_002"), std::string::npos);
+}
+
+// Numbers end at 999, and a run a minute reaches that in a day.
+class Renumbering : public Pruning {
+protected:
+    // Every run saves a new version; the clock moves a minute.
+    BackupResult save()
+    {
+        nextContent();
+        return backup();
+    }
+    void nextContent()
+    {
+        ports.clock.setNowNs(ports.clock.nowNs() + std::int64_t{60} * 1'000'000'000);
+        write("a.txt", "content " + std::to_string(m_runs++));
+    }
+    // One real run, and the copies of 999 more without what else a run does.
+    void fillUp()
+    {
+        save();
+        const auto source = ports.fileSystem.openFolder("C:\\data");
+        const auto archive = ports.fileSystem.openFolder(kRoot + "C\\data");
+        std::atomic<std::uint64_t> serial = 0;
+        while (m_runs < 1000) {
+            nextContent();
+            SaveOptions options;
+            options.savedNs = ports.clock.nowNs();
+            FileSaver saver(options, serial);
+            const SaveTask task{*source, *archive,   "a.txt", "C:\\data\\a.txt",
+                                {},      m_runs - 1, 0,       platform::FileKind::Regular};
+            const SaveResult result = saver.save(task, {});
+            const auto& saved = std::get<Saved>(result);
+            archive->rename(saved.temporaryName, saved.finalName);
+        }
+    }
+    std::string restored(const std::string& entry)
+    {
+        const RestoreResult result = restore({entry}, "C:\\out");
+        return result.lost == kFalse ? read("C:\\out\\C\\data\\a.txt") : "lost";
+    }
+    std::string fileOf(const std::string& entry)
+    {
+        return std::string(platform::leafOf(copies().at(entry).archivePath));
+    }
+
+    int m_runs = 0;
+};
+
+TEST_F(Renumbering, GoesOnPastTheLastNumber)
+{
+    keep(6, 999);
+    fillUp();
+    EXPECT_EQ(entries().size(), 1000U);
+    EXPECT_EQ(restored("C:\\data\\a.txt_999"), "content 999");
+
+    const BackupResult run = save();
+    EXPECT_EQ(run.report.outcome, Outcome::Complete);
+    EXPECT_EQ(run.report.versions, 1U);
+    EXPECT_EQ(run.report.pruned, 9U) << "990 stay at the most";
+    EXPECT_EQ(entries().size(), 992U);
+    EXPECT_EQ(restored("C:\\data\\a.txt_000"), "content 0");
+    EXPECT_EQ(restored("C:\\data\\a.txt_001"), "content 10");
+    EXPECT_EQ(restored("C:\\data\\a.txt_990"), "content 999");
+    EXPECT_EQ(restored("C:\\data\\a.txt_991"), "content 1000");
+    EXPECT_TRUE(verifyArchive(machine, kProfiles + "Work.vdp", 100, [](auto) {
+                    return true;
+                }).damaged.empty());
+
+    // A touched file keeps its serial number, and a new version goes on with it.
+    ports.fileSystem.openFolder("C:\\data")->setTimes("a.txt", 1, 2);
+    EXPECT_EQ(backup().report.renewed, 1U);
+    EXPECT_EQ(restored("C:\\data\\a.txt_991"), "content 1000");
+    save();
+    EXPECT_EQ(restored("C:\\data\\a.txt_992"), "content 1001");
+
+    // With fewer kept, the next time comes later, and the numbers begin at 1 again.
+    keep(6, 3);
+    save();
+    EXPECT_EQ(entries().size(), 4U);
+    EXPECT_EQ(restored("C:\\data\\a.txt_993"), "content 1002");
+    EXPECT_EQ(restored("C:\\data\\a.txt_992"), "content 1001");
+}
+
+TEST_F(Renumbering, ADeathAtAnyCallLeavesTheOrder)
+{
+    keep(6, 999);
+    fillUp();
+    keep(6, 4);
+    ASSERT_EQ(entries().size(), 1000U);
+    // Of the calls of the run, those from the first removal on.
+    for (std::size_t kill = 1;; kill += 53) {
+        nextContent();
+        ports.fileSystem.script().reset();
+        ports.fileSystem.script().killAtCall(kill);
+        bool died = false;
+        try {
+            backup();
+        } catch (const platform::Killed&) {
+            died = true;
+        }
+        ports.fileSystem.script().reset();
+        const auto report =
+            verifyArchive(machine, kProfiles + "Work.vdp", 100, [](auto) { return true; });
+        EXPECT_EQ(report.damaged.size(), 0U) << "killed at call " << kill;
+        if (!died)
+            break;
+    }
+    save();
+    const std::vector<std::string> left = entries();
+    EXPECT_EQ(left.size(), 5U);
+    EXPECT_EQ(restored(left.back()), "content " + std::to_string(m_runs - 1));
+}
+
+TEST_F(Renumbering, ARenamedCopyIsRefusedByName)
+{
+    keep(6, 999);
+    fillUp();
+    keep(6, 3);
+    save();
+    // Versions 1 to 4 are those that were saved as 997 to 1000.
+    const auto folder = ports.fileSystem.openFolder("D:\\store\\Work\\C\\data");
+    const std::string second = fileOf("C:\\data\\a.txt_002");
+    std::string moved = second;
+    moved.replace(moved.find("_Ver2_"), 6, "_Ver9_");
+    folder->rename(second, moved);
+    EXPECT_EQ(restored("C:\\data\\a.txt_009"), "lost");
+    const auto report =
+        verifyArchive(machine, kProfiles + "Work.vdp", 100, [](auto) { return true; });
+    EXPECT_FALSE(report.damaged.empty());
+    folder->rename(moved, second);
+    EXPECT_EQ(restored("C:\\data\\a.txt_002"), "content 998");
 }
 
 } // namespace

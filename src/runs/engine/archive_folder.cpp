@@ -31,7 +31,8 @@ ArchiveFolder::ArchiveFolder(std::vector<platform::FolderEntry> entries)
                 std::string_view source = name->sourceName;
                 if (source.ends_with('.') || source.ends_with(' '))
                     source = m_mappedNames.emplace_back(archive::sourceNameOf(source));
-                m_copies.push_back({entry.name, source, name->version, name->form, name->meta});
+                m_copies.push_back(
+                    {entry.name, source, name->version, name->form, name->meta, false});
                 continue;
             }
             if (archive::isTemporaryName(entry.name)) {
@@ -45,10 +46,47 @@ ArchiveFolder::ArchiveFolder(std::vector<platform::FolderEntry> entries)
         }
         m_foreign.push_back(entry.name);
     }
+    checkSerials();
     for (std::size_t i = 0; i < m_copies.size(); ++i) {
         const auto [place, isNew] = m_newest.emplace(m_copies[i].sourceName, i);
         if (!isNew && isNewer(m_copies[i], m_copies[place->second]))
             place->second = i;
+    }
+}
+
+// Serial numbers rise with the versions of a file. Only a file that was numbered anew has any, and
+// the header of every other copy is bound to the version itself.
+void ArchiveFolder::checkSerials()
+{
+    std::unordered_map<std::string_view, std::vector<ListedCopy*>> renumbered;
+    for (const ListedCopy& copy : m_copies) {
+        if (copy.meta && copy.meta->serial != 0)
+            renumbered[copy.sourceName];
+    }
+    if (renumbered.empty())
+        return;
+    for (ListedCopy& copy : m_copies) {
+        const auto hit = renumbered.find(copy.sourceName);
+        if (hit != renumbered.end() && copy.version > 0)
+            hit->second.push_back(&copy);
+    }
+    const auto serialOf = [](const ListedCopy& copy) {
+        return copy.meta && copy.meta->serial != 0 ? copy.meta->serial
+                                                   : static_cast<std::uint32_t>(copy.version);
+    };
+    for (auto& [source, copies] : renumbered) {
+        std::sort(copies.begin(), copies.end(),
+                  [](const auto* a, const auto* b) { return a->version < b->version; });
+        std::uint32_t highest = 0;
+        for (ListedCopy* copy : copies) {
+            copy->outOfOrder = serialOf(*copy) <= highest;
+            highest = std::max(highest, serialOf(*copy));
+        }
+        std::uint32_t lowest = UINT32_MAX;
+        for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy) {
+            (*copy)->outOfOrder = (*copy)->outOfOrder || serialOf(**copy) >= lowest;
+            lowest = std::min(lowest, serialOf(**copy));
+        }
     }
 }
 

@@ -20,6 +20,8 @@ struct ListedCopy {
     int version = 0;
     archive::Form form = archive::Form::Compressed;
     std::optional<archive::CopyMeta> meta; // absent where the name was too long for it
+    // Its serial number is out of the order of the versions: somebody renamed it or another one.
+    bool outOfOrder = false;
 };
 
 // One folder of an archive, read in one listing: which sources have copies and which is the newest.
@@ -43,6 +45,8 @@ public:
     const std::vector<std::string_view>& folderRecords() const { return m_folderRecords; }
 
 private:
+    void checkSerials();
+
     std::vector<platform::FolderEntry> m_entries;
     std::deque<std::string> m_mappedNames; // of the few sources whose names end in a blank or dot
     std::vector<ListedCopy> m_copies;

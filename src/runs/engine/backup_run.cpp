@@ -11,6 +11,7 @@
 #include "runs/engine/file_saver.h"
 #include "runs/engine/missed_reason.h"
 #include "runs/engine/prune_run.h"
+#include "runs/engine/renumbering.h"
 #include "runs/engine/selection.h"
 #include "runs/engine/settings_store.h"
 #include "runs/engine/source_scan.h"
@@ -192,6 +193,7 @@ private:
     void save()
     {
         m_report.full = !m_plan.archiveHasCopies && !archiveHasCopies();
+        renumber();
         const std::size_t steps = m_plan.files.size() + m_dumps.size();
         const std::size_t units = std::min(steps, kMostUnits);
         m_unit = steps == 0 ? 0 : static_cast<double>(units) / static_cast<double>(steps);
@@ -216,6 +218,37 @@ private:
             saveFolderRecords();
         if (!m_cancelled && !m_failure)
             saveDumps();
+    }
+
+    // Files whose version numbers are at their end get new ones before anything is written.
+    void renumber()
+    {
+        const auto isFull = [](const PlannedFile& file) {
+            return file.group < 0 && file.version > archive::kHighestVersion;
+        };
+        const RetentionRule rule{m_place.profile.retentionOption, m_place.profile.retentionCount,
+                                 0};
+        const LocalDate localDate = [&](std::int64_t ns) {
+            return m_machine.clock.toLocal(ns).date;
+        };
+        for (PlannedFile& file : m_plan.files) {
+            if (!isFull(file))
+                continue;
+            const auto archive = m_files.openFolder(m_plan.folders[file.folder].archivePath);
+            const auto done =
+                renumberVersions(*archive, m_plan.text(file.name), rule, m_startNs, localDate);
+            if (!done) {
+                miss(m_plan.pathOf(file), "all 999 version numbers are taken, and its name is too "
+                                          "long to number them anew");
+                continue;
+            }
+            file.version = static_cast<std::int16_t>(done->highest + 1);
+            file.serial = done->serial + 1;
+            file.earlierName = m_plan.keep(done->newestName);
+            m_report.pruned += done->removed;
+            m_report.prunedBytes += done->removedBytes;
+        }
+        std::erase_if(m_plan.files, isFull);
     }
 
     // Whether the archive holds copies outside the folders of today's sources.
@@ -314,9 +347,14 @@ private:
     {
         const std::string path = m_plan.pathOf(file);
         m_events.fileBegins(path);
-        const SaveTask task{
-            source,       archive,  m_plan.text(file.name), path, m_plan.text(file.earlierName),
-            file.version, file.kind};
+        const SaveTask task{source,
+                            archive,
+                            m_plan.text(file.name),
+                            path,
+                            m_plan.text(file.earlierName),
+                            file.version,
+                            file.serial,
+                            file.kind};
         SaveResult result = saver.save(task, [&] {
             m_events.fileBegins(path);
             return !m_stop;
@@ -454,8 +492,8 @@ private:
             m_pruner.prune(folder, pruned, proceed);
         for (const std::string& tree : m_plan.goneTrees)
             m_pruner.pruneTree(tree, pruned, proceed);
-        m_report.pruned = pruned.removed;
-        m_report.prunedBytes = pruned.removedBytes;
+        m_report.pruned += pruned.removed;
+        m_report.prunedBytes += pruned.removedBytes;
         for (Gap& gap : pruned.failed)
             m_report.warnings.push_back(gap.path + " could not be removed: " + gap.reason);
         if (pruned.removed > 0 && !m_place.profile.compress)

@@ -61,6 +61,13 @@ std::string underFreeName(std::atomic<std::uint64_t>& serial, Make&& make)
     }
 }
 
+void refuseOutOfOrder(const ChosenCopy& copy)
+{
+    if (copy.outOfOrder)
+        throw RuntimeError(base::error_number::kDeviceIo, {},
+                           "its version is out of order: it or another one was renamed");
+}
+
 // A temporary file in the target folder that goes away unless it is kept.
 class TargetFile {
 public:
@@ -249,6 +256,7 @@ CopyHeader CopyRestorer::checkedHeader(platform::Folder& archive, platform::File
 RestoredCopy CopyRestorer::restore(platform::Folder& archive, const std::string& sourceFolder,
                                    const ChosenCopy& copy, platform::Folder& target)
 {
+    refuseOutOfOrder(copy);
     const auto file = archive.open(copy.fileName, OpenMode::Read);
     if (copy.form == archive::Form::Stored) {
         const platform::FileInfo info = file->info();
@@ -320,6 +328,7 @@ std::string CopyRestorer::readText(platform::Folder& archive, const ChosenCopy& 
 std::uint64_t CopyRestorer::check(platform::Folder& archive, const std::string& sourceFolder,
                                   const ChosenCopy& copy)
 {
+    refuseOutOfOrder(copy);
     const auto file = archive.open(copy.fileName, OpenMode::Read);
     const auto nowhere = [](std::span<const std::byte>) {};
     if (copy.form == archive::Form::Stored) {

@@ -275,8 +275,8 @@ void FileSaver::openEarlier(const SaveTask& task, std::unique_ptr<platform::File
 bool FileSaver::storesPlain(const SaveTask& task, const FileInfo& info) const
 {
     // A copy that its owner could not read, or whose name cannot hold the checksum, is packed.
-    const archive::CopyMeta meta{info.sizeBytes, info.modifiedNs, m_options.savedNs,
-                                 archive::ContentHash{}, m_options.key.tag};
+    const archive::CopyMeta meta{info.sizeBytes,         info.modifiedNs,   m_options.savedNs,
+                                 archive::ContentHash{}, m_options.key.tag, task.serial};
     return !m_options.compress && !m_options.key.encrypt && (info.mode & kOwnerReads) != 0 &&
            archive::copyName(task.name, task.version, meta, archive::Form::Stored).has_value();
 }
@@ -311,7 +311,7 @@ CopyHeader FileSaver::headerFor(const SaveTask& task, const FileInfo& info) cons
     header.mode = info.mode;
     header.ownerId = info.ownerId;
     header.groupId = info.groupId;
-    header.version = static_cast<std::uint32_t>(task.version);
+    header.version = task.serial != 0 ? task.serial : static_cast<std::uint32_t>(task.version);
     header.path = task.path;
     if (info.linkCount > 1 && info.kind == FileKind::Regular)
         header.linkGroup = fmt::format("{:x}:{:x}", info.device, info.inode);
@@ -321,8 +321,8 @@ CopyHeader FileSaver::headerFor(const SaveTask& task, const FileInfo& info) cons
 SaveResult FileSaver::finish(const SaveTask& task, const CopyHeader& header, archive::Form form,
                              std::string temporary, std::uint64_t bytesStored)
 {
-    const archive::CopyMeta meta{header.sizeBytes, header.modifiedNs, header.savedNs,
-                                 header.contentHash, m_options.key.tag};
+    const archive::CopyMeta meta{header.sizeBytes,   header.modifiedNs, header.savedNs,
+                                 header.contentHash, m_options.key.tag, task.serial};
     auto finalName = archive::copyName(task.name, task.version, meta, form);
     if (!finalName) {
         base::PendingError ignored; // the next run clears it away

@@ -26,6 +26,7 @@ struct SaveTask {
     std::string_view path;        // `C:\dir\name`, for the header
     std::string_view earlierName; // the newest copy's file name in the archive; may be empty
     int version = 0;              // of the copy to write
+    std::uint32_t serial = 0;     // for its header and name; 0: the version
     platform::FileKind kind = platform::FileKind::Regular;
 };
 

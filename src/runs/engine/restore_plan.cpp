@@ -26,6 +26,7 @@ ChosenCopy chosen(const ListedCopy& copy)
     result.fileName = copy.fileName;
     result.version = static_cast<std::int16_t>(copy.version);
     result.form = copy.form;
+    result.outOfOrder = copy.outOfOrder;
     if (const auto name = archive::parseCopyName(copy.fileName))
         result.nameBytes = static_cast<std::uint16_t>(name->sourceName.size());
     if (copy.meta) {

@@ -29,6 +29,7 @@ struct ChosenCopy {
     std::uint16_t nameBytes = 0; // what it has of the source's name
     std::int16_t version = 0;
     archive::Form form = archive::Form::Compressed;
+    bool outOfOrder = false;                         // its serial number says that it was renamed
     std::optional<archive::ContentHash> contentHash; // of a copy that is stored as it is
 
     std::string sourceName() const

@@ -359,11 +359,6 @@ private:
         const ListedCopy* newest = archive == nullptr ? nullptr : archive->newest(name);
         if (newest != nullptr && isUnchanged(folderPath, *newest, info))
             return;
-        if (newest != nullptr && newest->version >= archive::kHighestVersion) {
-            m_plan.missed.push_back({folderPath + std::string(name),
-                                     "all 999 version numbers are taken; delete some versions"});
-            return;
-        }
         PlannedFile file;
         file.sizeBytes = info.sizeBytes;
         file.name = m_plan.keep(name);
@@ -372,6 +367,8 @@ private:
         if (newest != nullptr) {
             file.earlierName = m_plan.keep(newest->fileName);
             file.version = static_cast<std::int16_t>(newest->version + 1);
+            if (newest->meta && newest->meta->serial != 0)
+                file.serial = newest->meta->serial + 1;
         }
         m_plan.files.push_back(file);
     }

@@ -28,7 +28,9 @@ struct PlannedFile {
     TextRef name;
     TextRef earlierName;      // archive file of the newest copy; empty for a first copy
     std::uint32_t folder = 0; // index into ScanPlan::folders
-    std::int16_t version = 0; // of the copy to write
+    std::int16_t version = 0; // of the copy to write; 1000 where the numbers are at their end
+    // What the copy's header is bound to where versions were numbered anew; 0: the version.
+    std::uint32_t serial = 0;
     platform::FileKind kind = platform::FileKind::Regular;
     // Of a settings file, the number of its group; its newest copy alone is kept.
     std::int8_t group = -1;
