@@ -109,5 +109,66 @@ TEST(KilledRestore, LeavesOldOrNewFilesAndTheNextRestoreCompletes)
     }
 }
 
+// Three rounds of which the middle versions are to go.
+TEST(KilledPrune, RemovesVersionsAloneAndTheNextOneCompletes)
+{
+    Tally tally("kills of a prune");
+    const auto start = before(3);
+    start->backup();
+    start->setProfile("7");
+    const auto prune = [](FaultWorld& world) {
+        return engine::pruneArchive(world.machine, kApp, kProfiles + "Work.vdp",
+                                    [](std::string_view) { return true; });
+    };
+    std::uint64_t all = 0;
+    const std::size_t calls =
+        start->callsOf([&](FaultWorld& world) { all = prune(world).removed; });
+    ASSERT_GT(all, 0U);
+    for (const std::size_t call : pointsOf(calls, points())) {
+        const std::string label = fmt::format("killed at call {} of {}", call, calls);
+        FaultWorld world;
+        world.become(*start);
+        if (!world.diesAt(call, [&] { prune(world); }))
+            continue;
+        tally.add();
+        world.expectNoDamage(label);
+        world.expectNewest(label);
+        world.expectRound(1, 1, label); // the full copies
+        EXPECT_LE(prune(world).removed, all) << label;
+        EXPECT_EQ(prune(world).removed, 0U) << label;
+        EXPECT_THAT(world.leftovers(), IsEmpty()) << label;
+        world.expectNewest(label + ", next prune");
+        world.expectRound(1, 1, label + ", next prune");
+        if (testing::Test::HasFailure())
+            return;
+    }
+}
+
+// A backup that ends with a prune, dying in either.
+TEST(KilledBackupWithRetention, KeepsTheNewestAndTheFullCopies)
+{
+    Tally tally("kills of a backup with retention");
+    const auto start = before(3);
+    start->setProfile("7");
+    const std::size_t calls = start->callsOf([](FaultWorld& world) { world.backup(); });
+    for (const std::size_t call : pointsOf(calls, points())) {
+        const std::string label = fmt::format("killed at call {} of {}", call, calls);
+        FaultWorld world;
+        world.become(*start);
+        if (!world.diesAt(call, [&] { world.backup(); }))
+            continue;
+        tally.add();
+        world.expectNoDamage(label);
+        world.expectRound(1, 1, label);
+        world.backup();
+        world.expectNoDamage(label + ", next run");
+        world.expectNewest(label);
+        world.expectRound(1, 1, label + ", next run");
+        EXPECT_THAT(world.leftovers(), IsEmpty()) << label;
+        if (testing::Test::HasFailure())
+            return;
+    }
+}
+
 } // namespace
 } // namespace vardelin::faults
