@@ -68,6 +68,8 @@ struct Small {
     const char* name;
     bool compress;
     std::function<void(engine::World&)> make;
+    bool encrypt = false;
+    const char* password = "";
 };
 
 const std::vector<Small>& smallFiles()
@@ -93,6 +95,19 @@ const std::vector<Small>& smallFiles()
          [](engine::World& w) {
              w.ports.fileSystem.openFolder("C:\\data")->createLink("victim.txt", "other.txt");
          }},
+        {"a file under a password", "victim.txt", true,
+         [](engine::World& w) { w.write("victim.txt", "some text that is worth keeping"); }, false,
+         "secret"},
+        {"an encrypted file", "victim.txt", true,
+         [](engine::World& w) { w.write("victim.txt", "some text that is worth keeping"); }, true,
+         "secret"},
+        {"an encrypted file without a password", "victim.txt", true,
+         [](engine::World& w) { w.write("victim.txt", "some text that is worth keeping"); }, true},
+        {"an encrypted link", "victim.txt", true,
+         [](engine::World& w) {
+             w.ports.fileSystem.openFolder("C:\\data")->createLink("victim.txt", "other.txt");
+         },
+         true, "secret"},
     };
     return all;
 }
@@ -105,6 +120,8 @@ protected:
         SCOPED_TRACE(small.what);
         engine::ProfileText text;
         text.compress = small.compress;
+        text.encrypt = small.encrypt;
+        text.password = small.password;
         world.setProfile(text);
         world.write("other.txt", "other");
         world.write("sub\\third.txt", "third");
@@ -210,6 +227,48 @@ TEST_F(Damage, RandomFlippedBitsOfLargeFilesAreFound)
             return;
     }
     std::cout << "ran: flipped bits of large files: " << flips << ", seed " << seed << "\n";
+    EXPECT_EQ(world.restore({"C:\\data\\"}, "D:\\back").lost, engine::kFalse);
+}
+
+// The same under a password: outer header, sealed frames and sealed index, and every chunk's end.
+TEST_F(Damage, RandomFlippedBitsAndCutsOfALargeEncryptedFileAreFound)
+{
+    const std::uint64_t seed = seedOf("RandomFlippedBitsAndCutsOfALargeEncryptedFileAreFound");
+    Random random(seed);
+    const std::size_t flips = countFrom("VARDELIN_FLIPS", 60);
+    engine::ProfileText text;
+    text.encrypt = true;
+    text.password = "secret";
+    world.setProfile(text);
+    world.write("sealed.bin", random.bytes(6'000'000));
+    world.write("other.txt", "other");
+    world.backup();
+    remember();
+    const std::string path = copyOf("sealed.bin");
+    const std::string source = "C:\\data\\sealed.bin";
+    const std::string bytes = world.read(path);
+    ASSERT_GT(bytes.size(), 2'000'000U);
+    for (std::size_t i = 0; i < flips; ++i) {
+        const std::string what = " of flip " + std::to_string(i);
+        std::size_t bit = random.below(bytes.size() * 8);
+        if (i % 6 == 0)
+            bit = random.below(400 * 8);
+        else if (i % 6 == 1)
+            bit = bytes.size() * 8 - 1 - random.below(300 * 8);
+        flip(path, bit);
+        expectFound(path, source, "bit " + std::to_string(bit) + what);
+        flip(path, bit);
+        if (i % 10 == 0) {
+            const std::size_t length = random.below(bytes.size());
+            world.writeRaw(path, bytes.substr(0, length));
+            expectFound(path, source, "cut at " + std::to_string(length) + what);
+            world.writeRaw(path, bytes);
+        }
+        if (HasFailure())
+            return;
+    }
+    std::cout << "ran: flipped bits of a large encrypted file: " << flips << ", seed " << seed
+              << "\n";
     EXPECT_EQ(world.restore({"C:\\data\\"}, "D:\\back").lost, engine::kFalse);
 }
 
