@@ -148,6 +148,17 @@ private:
         m_files.removeFile(marker);
     }
 
+    void removeMarker()
+    {
+        try {
+            m_files.removeFile(m_place.root + std::string(kRunMarker));
+        } catch (const RuntimeError& error) {
+            // Somebody tidied up meanwhile; the lock is what holds the archive.
+            if (error.number() != base::error_number::kFileNotFound)
+                throw;
+        }
+    }
+
     // What lies beside the copies: the profile as it was at the last run, and the list for the
     // review where the copies are stored as they are.
     void writeCompanions()
@@ -461,7 +472,7 @@ private:
             if (m_report.copiesWritten > 0 || !m_report.settingsSaved.empty())
                 writeCompanions();
             if (!m_failure)
-                m_files.removeFile(m_place.root + std::string(kRunMarker));
+                removeMarker();
         } catch (const RuntimeError&) {
             if (!m_failure)
                 m_failure = std::current_exception();
