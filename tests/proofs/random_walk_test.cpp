@@ -68,6 +68,10 @@ public:
             {"restore to its place", 4, &Walk::restoreInPlace},
             {"delete copies", 4, &Walk::deleteCopies},
             {"compression", 2, &Walk::toggleCompression},
+            {"retention", 2, &Walk::changeRetention},
+            {"prune", 2, &Walk::prune},
+            {"password", 3, &Walk::changePassword},
+            {"encryption", 2, &Walk::toggleEncryption},
             {"kill a backup", 6, &Walk::killBackup},
             {"kill a restore", 3, &Walk::killRestore},
             {"clock", 6, &Walk::moveClock},
@@ -90,6 +94,8 @@ public:
     std::size_t backups() const { return m_backups; }
     std::size_t restores() const { return m_restores; }
     std::size_t kills() const { return m_kills; }
+    std::uint64_t pruned() const { return m_pruned; }
+    std::uint64_t refused() const { return m_refused; }
 
 private:
     [[noreturn]] static void fail(const std::string& text) { throw std::runtime_error(text); }
@@ -270,15 +276,25 @@ private:
         return path + "|" + std::to_string(version);
     }
 
-    // The content of an archive file by a reader that shares no code with the engine.
-    Thing read(const engine::CopyRecord& copy)
+    static std::uint64_t tagOf(const engine::CopyRecord& copy)
+    {
+        const auto name = archive::parseCopyName(platform::leafOf(copy.archivePath));
+        require(name && name->meta, copy.archivePath + " does not tell its tag");
+        return name->meta->passwordTag;
+    }
+
+    // The content of an archive file by a reader that shares no code with the engine. `password` is
+    // the one under which it was saved: the reader takes no other.
+    Thing read(const engine::CopyRecord& copy, const std::string& password)
     {
         Thing thing;
-        const std::string bytes = m_files.readAll(copy.archivePath);
+        std::string bytes = m_files.readAll(copy.archivePath);
         if (copy.form == archive::Form::Stored) {
             thing.content = bytes;
             return thing;
         }
+        if (copy.form == archive::Form::Encrypted)
+            bytes = plain::decrypt(bytes, password);
         const plain::Copy whole = plain::read(bytes);
         require(whole.path == copy.sourcePath, copy.archivePath + " names another path");
         thing.kind = whole.isLink ? FileKind::SymbolicLink : FileKind::Regular;
@@ -299,9 +315,11 @@ private:
                 const engine::CopyRecord& copy = hit->second;
                 require(copy.savedNs == saved.savedNs, path + " has another time of the run");
                 require(copy.modifiedNs == saved.thing.modifiedNs, path + " has another time");
+                require(copy.form == saved.form, path + " has another form");
+                require(tagOf(copy) == saved.tag, path + " has the tag of another password");
                 if (!contents && !m_random.chance(10))
                     continue;
-                const Thing found = read(copy);
+                const Thing found = read(copy, saved.password);
                 require(found.kind == saved.thing.kind, path + " is of another kind");
                 require(found.content == saved.thing.content, path + " has another content");
             }
@@ -325,19 +343,86 @@ private:
                 "damage: " + (report.damaged.empty()
                                   ? std::string()
                                   : report.damaged[0].path + ": " + report.damaged[0].reason));
+        std::size_t files = 0;
+        for (const engine::Gap& gap : report.mismatched) {
+            if (!archive::parseFolderRecordName(platform::leafOf(gap.path)))
+                ++files;
+        }
+        std::size_t expected = 0;
+        for (const auto& [path, versions] : m_model.archive) {
+            for (const auto& [version, copy] : versions) {
+                // A check reads what is not encrypted whatever the password.
+                if (copy.form == archive::Form::Encrypted &&
+                    WalkModel::mismatches(copy, m_profile.password))
+                    ++expected;
+            }
+        }
+        require(files == expected,
+                "another count of copies under another password: " + std::to_string(files));
+    }
+
+    Settings settings() const
+    {
+        Settings result;
+        result.password = m_profile.password;
+        result.encrypt = m_profile.encrypt;
+        result.compress = m_profile.compress;
+        result.newest = m_profile.retention == 7 ? 1 : m_profile.retentionCount;
+        return result;
+    }
+    // The tag under which the last run saved. It is made of a random salt, so the archive tells it:
+    // the new copies, which must agree, or where nothing was new, the copies that were good enough.
+    std::uint64_t tagOfRun(const Tree& sources)
+    {
+        if (m_profile.password.empty())
+            return 0;
+        std::set<std::uint64_t> fresh;
+        for (const auto& [key, copy] : listed()) {
+            const auto known = m_model.archive.find(copy.sourcePath);
+            if (known == m_model.archive.end() || !known->second.contains(copy.version))
+                fresh.insert(tagOf(copy));
+        }
+        std::set<std::uint64_t> old;
+        bool plainCopies = false;
+        for (const auto& [path, thing] : sources) {
+            const auto known = m_model.archive.find(path);
+            if (thing.kind == FileKind::Folder || known == m_model.archive.end() ||
+                known->second.empty())
+                continue;
+            const SavedCopy& last = known->second.rbegin()->second;
+            Settings today = settings();
+            today.tag = last.tag;
+            if (!today.accept(last) || last.thing.modifiedNs != thing.modifiedNs ||
+                last.thing.kind != thing.kind || last.thing.content != thing.content)
+                continue;
+            old.insert(last.tag);
+            plainCopies = plainCopies || last.form == archive::Form::Stored;
+        }
+        if (fresh.empty())
+            return old.empty() ? 0 : *old.begin();
+        require(fresh.size() == 1 && !fresh.contains(0), "one run saved under several tags");
+        // Copies stored as they are hold no slot, so that theirs can be lost to a newer one.
+        require(old.empty() || plainCopies || old.contains(*fresh.begin()),
+                "a new slot although copies of this password are there");
+        return *fresh.begin();
     }
 
     void backup()
     {
         const Tree sources = treeOf(m_files, kData);
-        const auto expected = m_model.backup(sources, m_world.ports.clock.nowNs());
+        const std::int64_t startNs = m_world.ports.clock.nowNs();
         const engine::BackupResult result = m_world.backup();
         ++m_backups;
+        Settings today = settings();
+        today.tag = tagOfRun(sources);
+        const auto expected = m_model.backup(sources, startNs, today);
         require(result.success == engine::kTrue, "the backup did not come to its end");
         require(result.report.missed.empty(), "missed files");
         require(result.report.fullCopies == expected.fullCopies, "another count of full copies");
         require(result.report.versions == expected.versions, "another count of versions");
         require(result.report.renewed == expected.renewed, "another count of touched files");
+        require(result.report.pruned == expected.pruned, "another count of removed versions");
+        m_pruned += expected.pruned;
         const bool anything = !expected.saved.empty();
         require((result.noFiles == engine::kTrue) == !anything, "the flag of nothing to do");
         if (!m_files.folderExists(engine::kRoot))
@@ -409,6 +494,7 @@ private:
         const std::string place = freshPlace();
         const std::set<std::string> failed = restoreAnd(entries, place, date);
         ++m_restores;
+        checkMismatched(expected, failed);
         for (const std::string& path : failed)
             require(expected.isContested(path), path + " failed");
         Tree wanted;
@@ -423,6 +509,15 @@ private:
         Tree found;
         if (m_files.folderExists(place))
             found = treeOf(m_files, place + "\\");
+        // The folders of a refused copy may be made before its password is known.
+        for (const std::string& path : expected.mismatched) {
+            for (std::size_t at = path.find('\\'); at != std::string::npos;
+                 at = path.find('\\', at + 1)) {
+                const std::string folder = place + "\\C" + path.substr(2, at - 1);
+                if (found.contains(folder))
+                    wanted.emplace(folder, Thing{FileKind::Folder, {}, 0, 0});
+            }
+        }
         // Of a name that was a file and a folder one comes, and what does not come is told.
         for (const auto& [path, thing] : expected.things) {
             const std::string target = place + "\\C" + path.substr(2);
@@ -431,6 +526,11 @@ private:
             require(thing.kind == FileKind::Folder || failed.contains(path),
                     path + " did not come and nobody said so");
             wanted.erase(target);
+            std::erase_if(wanted, [&](const auto& entry) {
+                return entry.first.ends_with('\\') && !found.contains(entry.first) &&
+                       target.starts_with(entry.first) &&
+                       expected.isContested("C:" + entry.first.substr(place.size() + 2));
+            });
         }
         const std::string difference = differenceOf(wanted, found);
         require(difference.empty(), difference);
@@ -444,7 +544,8 @@ private:
         if (!m_files.folderExists(engine::kRoot + "C\\data"))
             return;
         restoreTo({kData}, "NULL",
-                  WalkModel::restored(newestBelow(kData, kAlways), archiveFolders(kData)));
+                  WalkModel::restored(newestBelow(kData, kAlways), archiveFolders(kData),
+                                      m_profile.password));
     }
     void restoreFolder()
     {
@@ -454,7 +555,8 @@ private:
         const std::string folder = *std::next(
             folders.begin(), static_cast<std::ptrdiff_t>(m_random.below(folders.size())));
         restoreTo({folder}, "NULL",
-                  WalkModel::restored(newestBelow(folder, kAlways), archiveFolders(folder)));
+                  WalkModel::restored(newestBelow(folder, kAlways), archiveFolders(folder),
+                                      m_profile.password));
     }
     void restoreEntries()
     {
@@ -485,7 +587,7 @@ private:
         std::map<std::string, SavedCopy> chosen;
         for (const auto& [path, copy] : newest)
             chosen.emplace(path, copy.second);
-        restoreTo(entries, "NULL", WalkModel::restored(chosen, {}));
+        restoreTo(entries, "NULL", WalkModel::restored(chosen, {}, m_profile.password));
     }
     void restoreDate()
     {
@@ -499,7 +601,8 @@ private:
         const std::string text = std::to_string(date.day) + "/" + std::to_string(date.month) + "/" +
                                  std::to_string(date.year);
         restoreTo({kData}, text,
-                  WalkModel::restored(newestBelow(kData, limit), archiveFolders(kData)));
+                  WalkModel::restored(newestBelow(kData, limit), archiveFolders(kData),
+                                      m_profile.password));
     }
 
     // Over the sources themselves: what stands in the way is told, the rest is as it was saved.
@@ -508,7 +611,8 @@ private:
         const auto folders = archiveFolders(kData);
         if (folders.empty())
             return;
-        const auto expected = WalkModel::restored(newestBelow(kData, kAlways), folders);
+        const auto expected =
+            WalkModel::restored(newestBelow(kData, kAlways), folders, m_profile.password);
         const Tree before = treeOf(m_files, kData);
         const auto blocked = [&](const std::string& path) {
             for (std::size_t at = path.find('\\', kData.size());
@@ -522,6 +626,7 @@ private:
         };
         const std::set<std::string> failed = restoreAnd({kData}, "", "NULL");
         ++m_restores;
+        checkMismatched(expected, failed);
         const Tree found = treeOf(m_files, kData);
         Tree wanted = before;
         for (const auto& [path, thing] : expected.things) {
@@ -545,6 +650,17 @@ private:
         moveOn();
     }
 
+    // Of a name that was a file and a folder, the copy can fail before its password is asked for.
+    void checkMismatched(const WalkModel::Restored& expected, const std::set<std::string>& failed)
+    {
+        for (const std::string& path : m_mismatched)
+            require(expected.mismatched.contains(path), path + " was refused for its password");
+        for (const std::string& path : expected.mismatched)
+            require(m_mismatched.contains(path) || failed.contains(path),
+                    path + " of another password was not told");
+        m_refused += m_mismatched.size();
+    }
+
     // Gives the paths that could not be written, each told with a reason.
     std::set<std::string> restoreAnd(const std::vector<std::string>& entries,
                                      const std::string& place, const std::string& date)
@@ -563,6 +679,13 @@ private:
         require(engine.BackupFilesLost() == engine::kFalse && report.lost.empty(),
                 "copies were lost");
         require(raised == !report.failed.empty(), "raised without a failed file");
+        require((engine.PasswordMismatch() == engine::kTrue) == !report.mismatched.empty(),
+                "the flag of another password");
+        m_mismatched.clear();
+        for (const engine::Gap& gap : report.mismatched) {
+            if (!gap.path.ends_with('\\')) // attributes of a folder have a password of their own
+                m_mismatched.insert(gap.path);
+        }
         std::set<std::string> failed;
         for (const engine::Gap& gap : report.failed) {
             require(!gap.reason.empty(), gap.path + " failed without a reason");
@@ -604,6 +727,42 @@ private:
         m_world.setProfile(m_profile);
     }
 
+    void changeRetention()
+    {
+        // All, a few, or the full and the newest copy alone.
+        m_profile.retention = m_random.chance(30) ? 7 : 6;
+        m_profile.retentionCount =
+            m_random.chance(30) ? 999 : static_cast<int>(1 + m_random.below(5));
+        m_world.setProfile(m_profile);
+    }
+
+    void prune()
+    {
+        if (!m_files.folderExists(engine::kRoot))
+            return;
+        const auto report =
+            engine::pruneArchive(m_world.machine, engine::kApp, engine::kProfiles + "Work.vdp",
+                                 [](std::string_view) { return true; });
+        const std::uint64_t expected = m_model.prune(settings().newest);
+        require(report.failed.empty(), "versions could not be removed");
+        require(report.removed == expected, "another count of removed versions");
+        m_pruned += expected;
+        compareArchive(false);
+        moveOn();
+    }
+
+    void changePassword()
+    {
+        m_profile.password = m_random.oneOf(std::vector<std::string>{"", "first", "second"});
+        m_world.setProfile(m_profile);
+    }
+
+    void toggleEncryption()
+    {
+        m_profile.encrypt = !m_profile.encrypt;
+        m_world.setProfile(m_profile);
+    }
+
     bool killed(const std::function<void()>& run)
     {
         auto& script = m_files.script();
@@ -621,32 +780,70 @@ private:
         return died;
     }
 
+    // A copy that the run before its death wrote anew.
+    SavedCopy freshCopy(const engine::CopyRecord& copy, const Tree& sources, std::int64_t startNs)
+    {
+        const auto source = sources.find(copy.sourcePath);
+        require(source != sources.end(), "a copy of " + copy.sourcePath + " that nobody planned");
+        const auto known = m_model.archive.find(copy.sourcePath);
+        const bool isFirst = known == m_model.archive.end() || known->second.empty();
+        require(copy.version == (isFirst ? 0 : known->second.rbegin()->first + 1),
+                "a dead run gave a wrong number to " + copy.sourcePath);
+        const Settings today = settings();
+        SavedCopy fresh{source->second, startNs, today.password, tagOf(copy),
+                        today.formOf(source->second)};
+        require((fresh.tag == 0) == today.password.empty() && copy.form == fresh.form &&
+                    copy.savedNs == startNs && copy.modifiedNs == fresh.thing.modifiedNs,
+                "a dead run left a wrong copy of " + copy.sourcePath);
+        if (!isFirst) {
+            Settings asSaved = today;
+            asSaved.tag = fresh.tag;
+            const SavedCopy& last = known->second.rbegin()->second;
+            require(!asSaved.accept(last) || last.thing.content != fresh.thing.content ||
+                        last.thing.kind != fresh.thing.kind,
+                    "a dead run saved once more what is the same: " + copy.sourcePath);
+        }
+        return fresh;
+    }
+
     void killBackup()
     {
-        WalkModel after = m_model;
-        after.backup(treeOf(m_files, kData), m_world.ports.clock.nowNs());
+        const Tree sources = treeOf(m_files, kData);
+        const std::int64_t startNs = m_world.ports.clock.nowNs();
         killed([&] { m_world.backup(); });
-        // Each copy is the one before or the one that the run would have made; none is gone.
+        // Each copy is the one before or the one that the run would have made; none is gone but
+        // those that fall out of what is kept.
         WalkModel found;
         for (const auto& [key, copy] : listed()) {
             const auto before = m_model.archive.find(copy.sourcePath);
             const bool known =
                 before != m_model.archive.end() && before->second.contains(copy.version);
-            const auto planned = after.archive.find(copy.sourcePath);
-            require(planned != after.archive.end() && planned->second.contains(copy.version),
-                    "a copy of " + copy.sourcePath + " that nobody planned");
-            const SavedCopy& would = planned->second.at(copy.version);
-            const SavedCopy& was = known ? before->second.at(copy.version) : would;
-            const Thing content = read(copy);
-            SavedCopy& now = found.archive[copy.sourcePath][copy.version];
-            now = copy.modifiedNs == would.thing.modifiedNs ? would : was;
-            require(copy.modifiedNs == now.thing.modifiedNs && copy.savedNs == now.savedNs &&
+            SavedCopy now =
+                known ? before->second.at(copy.version) : freshCopy(copy, sources, startNs);
+            if (known && copy.modifiedNs != now.thing.modifiedNs) {
+                const auto source = sources.find(copy.sourcePath);
+                require(source != sources.end() && source->second.content == now.thing.content &&
+                            source->second.kind == now.thing.kind &&
+                            source->second.modifiedNs == copy.modifiedNs,
+                        "a dead run gave a wrong time to " + copy.sourcePath);
+                now.thing.modifiedNs = copy.modifiedNs;
+            }
+            const Thing content = read(copy, now.password);
+            require(copy.savedNs == now.savedNs && tagOf(copy) == now.tag &&
                         content.content == now.thing.content && content.kind == now.thing.kind,
                     "a dead run left a wrong copy of " + copy.sourcePath);
+            found.archive[copy.sourcePath].emplace(copy.version, std::move(now));
         }
         for (const auto& [path, versions] : m_model.archive) {
+            std::set<int> numbers;
             for (const auto& [version, copy] : versions)
-                require(found.archive[path].contains(version), "a dead run took a copy of " + path);
+                numbers.insert(version);
+            for (const auto& [version, copy] : found.archive[path])
+                numbers.insert(version);
+            const std::set<int> stay = WalkModel::kept(numbers, settings().newest);
+            for (const auto& [version, copy] : versions)
+                require(found.archive[path].contains(version) || !stay.contains(version),
+                        "a dead run took a copy of " + path);
         }
         std::erase_if(found.archive, [](const auto& entry) { return entry.second.empty(); });
         m_model = found;
@@ -659,8 +856,8 @@ private:
     {
         if (!m_files.folderExists(engine::kRoot + "C\\data"))
             return;
-        const auto expected =
-            WalkModel::restored(newestBelow(kData, kAlways), archiveFolders(kData));
+        const auto expected = WalkModel::restored(newestBelow(kData, kAlways),
+                                                  archiveFolders(kData), m_profile.password);
         const bool inPlace = m_random.chance(40);
         const std::string place = inPlace ? std::string() : freshPlace();
         const Tree before = treeOf(m_files, kData);
@@ -714,6 +911,9 @@ private:
     std::size_t m_backups = 0;
     std::size_t m_restores = 0;
     std::size_t m_kills = 0;
+    std::uint64_t m_pruned = 0;
+    std::uint64_t m_refused = 0;
+    std::set<std::string> m_mismatched; // at the last restore
 };
 
 TEST(RandomWalk, TheArchiveIsWhatTheModelSays)
@@ -731,7 +931,9 @@ TEST(RandomWalk, TheArchiveIsWhatTheModelSays)
         }
     }
     std::cout << walk.backups() << " backups, " << walk.restores() << " restores, " << walk.kills()
-              << " kills\nran: random walk: " << steps << ", seed " << seed << "\n";
+              << " kills, " << walk.pruned() << " versions removed, " << walk.refused()
+              << " copies refused for their password\nran: random walk: " << steps << ", seed "
+              << seed << "\n";
 }
 
 } // namespace

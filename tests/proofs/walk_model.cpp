@@ -64,32 +64,83 @@ std::string differenceOf(const Tree& expected, const Tree& found)
     return {};
 }
 
-WalkModel::Expected WalkModel::backup(const Tree& sources, std::int64_t startNs)
+archive::Form Settings::formOf(const Thing& thing) const
 {
+    if (encrypt)
+        return archive::Form::Encrypted;
+    return compress || thing.kind != FileKind::Regular ? archive::Form::Compressed
+                                                       : archive::Form::Stored;
+}
+
+bool Settings::accept(const SavedCopy& copy) const
+{
+    return copy.password == password && copy.tag == tag &&
+           (!encrypt || copy.form == archive::Form::Encrypted);
+}
+
+std::set<int> WalkModel::kept(const std::set<int>& numbers, int newest)
+{
+    std::set<int> result;
+    for (auto number = numbers.rbegin(); number != numbers.rend(); ++number) {
+        if (newest == 0 || *number == 0 || newest > static_cast<int>(result.size()))
+            result.insert(*number);
+    }
+    return result;
+}
+
+std::uint64_t WalkModel::prune(int newest)
+{
+    std::uint64_t removed = 0;
+    for (auto& [path, versions] : archive) {
+        std::set<int> numbers;
+        for (const auto& [number, copy] : versions)
+            numbers.insert(number);
+        const std::set<int> stay = kept(numbers, newest);
+        removed +=
+            std::erase_if(versions, [&](const auto& entry) { return !stay.contains(entry.first); });
+    }
+    return removed;
+}
+
+WalkModel::Expected WalkModel::backup(const Tree& sources, std::int64_t startNs,
+                                      const Settings& settings)
+{
+    const auto copyOf = [&](const Thing& thing) {
+        return SavedCopy{thing, startNs, settings.password, settings.tag, settings.formOf(thing)};
+    };
     Expected expected;
     for (const auto& [path, thing] : sources) {
         if (thing.kind == FileKind::Folder)
             continue;
         Versions& versions = archive[path];
         if (versions.empty()) {
-            versions[0] = {thing, startNs};
+            versions[0] = copyOf(thing);
             ++expected.fullCopies;
             expected.saved.push_back(path);
             continue;
         }
         SavedCopy& last = versions.rbegin()->second;
-        if (sizeOf(last.thing) == sizeOf(thing) && last.thing.modifiedNs == thing.modifiedNs)
+        const bool accepted = settings.accept(last);
+        if (accepted && sizeOf(last.thing) == sizeOf(thing) &&
+            last.thing.modifiedNs == thing.modifiedNs)
             continue;
-        if (last.thing.kind == thing.kind && last.thing.content == thing.content) {
+        if (accepted && last.thing.kind == thing.kind && last.thing.content == thing.content) {
             last.thing.modifiedNs = thing.modifiedNs;
             ++expected.renewed;
             continue;
         }
-        versions[versions.rbegin()->first + 1] = {thing, startNs};
+        versions[versions.rbegin()->first + 1] = copyOf(thing);
         ++expected.versions;
         expected.saved.push_back(path);
     }
+    expected.pruned = prune(settings.newest);
     return expected;
+}
+
+bool WalkModel::mismatches(const SavedCopy& copy, const std::string& password)
+{
+    return copy.form != archive::Form::Stored && !copy.password.empty() &&
+           copy.password != password;
 }
 
 const SavedCopy* WalkModel::newest(const Versions& versions, std::int64_t limitNs)
@@ -109,13 +160,17 @@ bool WalkModel::Restored::isContested(const std::string& path) const
 }
 
 WalkModel::Restored WalkModel::restored(const std::map<std::string, SavedCopy>& chosen,
-                                        const std::set<std::string>& folders)
+                                        const std::set<std::string>& folders,
+                                        const std::string& password)
 {
     Restored result;
     for (const std::string& folder : folders)
         result.things.emplace(folder, Thing{FileKind::Folder, {}, 0, 0});
     for (const auto& [path, copy] : chosen) {
-        result.things.emplace(path, copy.thing);
+        if (mismatches(copy, password))
+            result.mismatched.insert(path);
+        else
+            result.things.emplace(path, copy.thing);
         const std::string folder = path + "\\";
         const auto below = chosen.upper_bound(folder);
         if (folders.contains(folder) || (below != chosen.end() && below->first.starts_with(folder)))
