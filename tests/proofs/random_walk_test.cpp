@@ -383,7 +383,6 @@ private:
                 fresh.insert(tagOf(copy));
         }
         std::set<std::uint64_t> old;
-        bool plainCopies = false;
         for (const auto& [path, thing] : sources) {
             const auto known = m_model.archive.find(path);
             if (thing.kind == FileKind::Folder || known == m_model.archive.end() ||
@@ -392,18 +391,14 @@ private:
             const SavedCopy& last = known->second.rbegin()->second;
             Settings today = settings();
             today.tag = last.tag;
-            if (!today.accept(last) || last.thing.modifiedNs != thing.modifiedNs ||
-                last.thing.kind != thing.kind || last.thing.content != thing.content)
-                continue;
-            old.insert(last.tag);
-            plainCopies = plainCopies || last.form == archive::Form::Stored;
+            if (today.accept(last))
+                old.insert(last.tag);
         }
+        // Which of several slots of one password a run takes is not checked: the others' copies are
+        // saved once more, which costs room alone.
         if (fresh.empty())
             return old.empty() ? 0 : *old.begin();
         require(fresh.size() == 1 && !fresh.contains(0), "one run saved under several tags");
-        // Copies stored as they are hold no slot, so that theirs can be lost to a newer one.
-        require(old.empty() || plainCopies || old.contains(*fresh.begin()),
-                "a new slot although copies of this password are there");
         return *fresh.begin();
     }
 
