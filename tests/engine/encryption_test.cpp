@@ -395,6 +395,28 @@ TEST(Password, GoingBackToAnEarlierOneStartsANewSalt)
               slotOf(world, nameStarting(world, "a.txt_Ver2")).salt);
 }
 
+// The same password under two salts: one file was left out while it was another one.
+TEST(Password, EverySaltOfTodaysPasswordIsRight)
+{
+    World world;
+    world.write("a.txt", "one");
+    world.write("b.txt", "two");
+    world.setProfile(encrypted("first"));
+    world.backup();
+    ProfileText without = encrypted("second");
+    without.excludeNames = "a.txt";
+    world.setProfile(without);
+    EXPECT_EQ(world.backup().report.copiesWritten, 1U);
+    without.password = "first";
+    world.setProfile(without);
+    EXPECT_EQ(world.backup().report.copiesWritten, 1U);
+    world.setProfile(encrypted("first"));
+    EXPECT_EQ(world.backup().noFiles, kTrue);
+    world.write("c.txt", "three");
+    EXPECT_EQ(world.backup().report.copiesWritten, 1U);
+    EXPECT_EQ(world.restore({"C:\\data\\"}, "C:\\out").report.filesRestored, 3U);
+}
+
 TEST(Password, AnArchiveOfTwoPasswordsFindsTodaysAmongThem)
 {
     World world;

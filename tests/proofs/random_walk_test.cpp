@@ -14,8 +14,8 @@
 #include <stdexcept>
 
 // Thousands of steps of a person and of fate against one archive, compared with the model after
-// each. VARDELIN_WALK_STEPS steps; VARDELIN_SEED replays a walk exactly, since one processor means
-// one worker and so one order of calls.
+// each. VARDELIN_WALK_STEPS steps; VARDELIN_SEED replays a walk's steps, and one processor means
+// one worker and so one order of calls. Salts and keys are random all the same.
 namespace vardelin::proofs {
 namespace {
 

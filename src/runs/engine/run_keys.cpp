@@ -26,7 +26,7 @@ bool RunKeys::accepts(std::uint64_t tag, Form form, std::string_view folder,
     if (m_key.encrypt && form != Form::Encrypted)
         return false;
     if (m_isKnown)
-        return tag == m_key.tag;
+        return tag == m_key.tag || m_rightTags.contains(tag);
     if (tag == 0)
         return false;
     return tag == m_lastTag || meet(tag, form, folder, fileName);
@@ -78,11 +78,16 @@ bool RunKeys::settle()
 {
     if (m_isSettled)
         return false;
-    for (std::size_t i = 0; i < m_samples.size() && !m_isKnown; ++i) {
+    // A password that was changed and changed back has more salts than one, and copies under each
+    // of them are its own.
+    for (std::size_t i = 0; i < m_samples.size(); ++i) {
         // A lack of memory is told by writeKey(), which derives with today's cost.
         base::PendingError ignored;
         ignored.attempt([&] {
-            if (i == 0 ? m_firstOpens.get() : m_ring.opens(m_samples[i]))
+            if (!(i == 0 ? m_firstOpens.get() : m_ring.opens(m_samples[i])))
+                return;
+            m_rightTags.insert(m_ring.tagOf(m_samples[i]));
+            if (!m_isKnown)
                 use(m_samples[i]);
         });
     }
@@ -92,8 +97,9 @@ bool RunKeys::settle()
         return false; // nothing was taken on trust: the key can wait until it is needed
     m_isSettled = true;
     writeKey();
-    return std::any_of(m_acceptedTags.begin(), m_acceptedTags.end(),
-                       [this](std::uint64_t tag) { return tag != m_key.tag; });
+    return std::any_of(m_acceptedTags.begin(), m_acceptedTags.end(), [this](std::uint64_t tag) {
+        return tag != m_key.tag && !m_rightTags.contains(tag);
+    });
 }
 
 const WriteKey& RunKeys::writeKey()

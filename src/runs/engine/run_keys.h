@@ -71,6 +71,7 @@ private:
     bool m_isSettled = false;
     std::uint64_t m_lastTag = 0; // accepted last: most copies have the same
     std::set<std::uint64_t> m_acceptedTags;
+    std::set<std::uint64_t> m_rightTags; // of samples that the password opens
     std::vector<KeySlot> m_samples;
     std::future<bool> m_firstOpens; // of the first sample; last member: it uses the ring
 };
