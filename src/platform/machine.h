@@ -5,6 +5,7 @@
 #include "platform/file_system.h"
 #include "platform/registry.h"
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -59,6 +60,9 @@ public:
     virtual void runKeyChanged(Registry&) {}
 };
 
+// An address of the internet's version 4, first byte first.
+using HostAddress = std::array<std::uint8_t, 4>;
+
 class MachineFacts {
 public:
     MachineFacts() = default;
@@ -72,6 +76,9 @@ public:
     virtual std::string executableName() = 0; // base name, no folder and no extension
     // The long form of a path, empty where it does not exist.
     virtual std::string longPathName(std::string_view path) = 0;
+    // The first address of a computer by its name or dotted address; none where it is not known.
+    // Asks the network and waits for the answer.
+    virtual std::optional<HostAddress> hostAddress(std::string_view name) = 0;
 };
 
 struct ProcessInfo {

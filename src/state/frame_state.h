@@ -41,6 +41,8 @@ struct FrameState {
     bool bPwdChangeMode = false;
     bool bPwdConfirmMode = false;
     bool bPwdDialogCancelled = false;
+    bool bPwdReviewMode = false; // frmResPwd asks before an archive is reviewed
+    bool bPwdPassed = false;     // the review may open
 
     std::string ST_App_Path;             // application folder, no backslash at the end
     std::string ST_Current_Profile;      // file name of the profile in the editor
@@ -48,6 +50,9 @@ struct FrameState {
     std::string ST_Last_Saved_Profile;   // empty for a new profile
     std::string ST_Recent_Profile;       // file name
     std::string ST_Primary_Profile;      // file name
+    std::string sGatePassword;           // what the reviewed profile's password section holds
+    std::string sHintQuestion;
+    std::string sHintAnswer;
     std::string sOldIdleTime; // idle minutes in force before the person began to change them
 
     ProgressBar pb; // advanced by all long loops over a profile

@@ -237,6 +237,9 @@ TEST(LinuxMachineFacts, TellWhoAndWhereThisProgramIs)
     EXPECT_TRUE(facts.isNtPlatform());
     EXPECT_EQ(facts.longPathName("C:\\Here"), "C:\\Here");
     EXPECT_EQ(facts.longPathName("C:\\Missing"), "");
+    EXPECT_EQ(facts.hostAddress("127.0.0.1"), (HostAddress{127, 0, 0, 1}));
+    EXPECT_EQ(facts.hostAddress(""), std::nullopt);
+    EXPECT_EQ(facts.hostAddress(std::string_view("127.0.0.1\0x", 11)), std::nullopt);
 }
 
 TEST(ConsoleMessageBoxes, AskOnlyWhereSomebodyCanAnswer)

@@ -4,7 +4,12 @@
 
 #include <array>
 #include <climits>
+#include <cstring>
+#include <memory>
+#include <netdb.h>
+#include <netinet/in.h>
 #include <pwd.h>
+#include <sys/socket.h>
 #include <unistd.h>
 #include <vector>
 
@@ -64,6 +69,26 @@ std::string LinuxMachineFacts::executableName()
 std::string LinuxMachineFacts::longPathName(std::string_view path)
 {
     return m_fileSystem.find(path) ? std::string(path) : std::string();
+}
+
+std::optional<HostAddress> LinuxMachineFacts::hostAddress(std::string_view name)
+{
+    addrinfo wanted{};
+    wanted.ai_family = AF_INET;
+    wanted.ai_socktype = SOCK_STREAM; // one entry an address, not one a protocol
+    addrinfo* found = nullptr;
+    // A name with a NUL is none; cut there it would be another one.
+    if (name.empty() || name.find('\0') != std::string_view::npos ||
+        ::getaddrinfo(std::string(name).c_str(), nullptr, &wanted, &found) != 0)
+        return std::nullopt;
+    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> guard(found, &::freeaddrinfo);
+    if (found == nullptr || found->ai_addrlen < sizeof(sockaddr_in))
+        return std::nullopt;
+    sockaddr_in socketAddress{};
+    std::memcpy(&socketAddress, found->ai_addr, sizeof socketAddress);
+    HostAddress address{};
+    std::memcpy(address.data(), &socketAddress.sin_addr, address.size());
+    return address;
 }
 
 std::string executableFolder()

@@ -18,6 +18,7 @@ public:
     std::string executableName() override;
     // No path has a short form here, so a path that exists is its own long form.
     std::string longPathName(std::string_view path) override;
+    std::optional<HostAddress> hostAddress(std::string_view name) override;
 
 private:
     FileSystem& m_fileSystem;

@@ -33,4 +33,11 @@ std::string MemoryMachineFacts::longPathName(std::string_view path)
     return hit == longNames.end() ? std::string() : hit->second;
 }
 
+std::optional<HostAddress> MemoryMachineFacts::hostAddress(std::string_view name)
+{
+    script().enter("facts.hostAddress", name);
+    const auto hit = hosts.find(std::string(name));
+    return hit == hosts.end() ? std::nullopt : std::optional(hit->second);
+}
+
 } // namespace vardelin::platform

@@ -15,12 +15,14 @@ public:
     bool nt = true;
     std::string executable = "Vardelin";
     std::map<std::string, std::string> longNames; // long form by path; others are missing
+    std::map<std::string, HostAddress> hosts;     // by exact name; others are not known
 
     std::string userName() override;
     std::string computerName() override;
     bool isNtPlatform() override;
     std::string executableName() override;
     std::string longPathName(std::string_view path) override;
+    std::optional<HostAddress> hostAddress(std::string_view name) override;
 };
 
 } // namespace vardelin::platform
