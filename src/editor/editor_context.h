@@ -63,6 +63,21 @@ struct SourceTreeForm {
     std::string DirFolders;             // the path of the hidden list of folders
 };
 
+// The hourglass stands while something is read, whatever the reading meets.
+class Hourglass {
+public:
+    explicit Hourglass(SourceTreeForm& form) : m_form(form)
+    {
+        m_form.mousePointer = MousePointer::Hourglass;
+    }
+    Hourglass(const Hourglass&) = delete;
+    Hourglass& operator=(const Hourglass&) = delete;
+    ~Hourglass() { m_form.mousePointer = MousePointer::Default; }
+
+private:
+    SourceTreeForm& m_form;
+};
+
 // Holds references only; the application owns the parts and keeps them longer than every handler.
 struct EditorContext {
     platform::Machine& machine;

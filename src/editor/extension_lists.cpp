@@ -20,21 +20,6 @@ using base::trim;
 using state::ListBox;
 using state::ListRow;
 
-// The hourglass stands while a list is filled, whatever the filling meets.
-class Hourglass {
-public:
-    explicit Hourglass(SourceTreeForm& form) : m_form(form)
-    {
-        m_form.mousePointer = MousePointer::Hourglass;
-    }
-    Hourglass(const Hourglass&) = delete;
-    Hourglass& operator=(const Hourglass&) = delete;
-    ~Hourglass() { m_form.mousePointer = MousePointer::Default; }
-
-private:
-    SourceTreeForm& m_form;
-};
-
 // The place of the first row with this text, from 0.
 std::optional<std::size_t> findRow(const ListBox& list, std::string_view extension)
 {

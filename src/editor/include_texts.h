@@ -26,13 +26,9 @@ inline constexpr int kIncludeFailed = 40036; // numbered texts of trace/messages
 inline constexpr int kExcludeFailed = 40034;
 inline constexpr int kOtherDataFailed = 40037;
 
-// ---- captions
-inline constexpr std::string_view kIncludeFrame = "Include File(s) by File extensions";
+// ---- captions on frmOtherdata
 inline constexpr std::string_view kExcludeFrame = "Exclude File(s) by File extensions";
 inline constexpr std::string_view kNamesFrame = "Include \\ Exclude File(s) by File Names";
-inline constexpr std::string_view kOtherDataLabel = "Select Other Data To Backup:";
-inline constexpr std::string_view kExcludeButton = "Exclude File(s) by Extensions...";
-inline constexpr std::string_view kNamesButton = "Include\\Exclude File(s) by Names...";
 inline constexpr std::string_view kInclNamesLabel =
     "Give File Names to be included like, Tech*.*,Inf*.*  :";
 inline constexpr std::string_view kExclNamesLabel =

@@ -52,21 +52,6 @@ void markGreen(TreeNode& node)
     node.checked = true;
 }
 
-// The hourglass stands while a folder is read, whatever the reading meets.
-class Hourglass {
-public:
-    explicit Hourglass(SourceTreeForm& form) : m_form(form)
-    {
-        m_form.mousePointer = MousePointer::Hourglass;
-    }
-    Hourglass(const Hourglass&) = delete;
-    Hourglass& operator=(const Hourglass&) = delete;
-    ~Hourglass() { m_form.mousePointer = MousePointer::Default; }
-
-private:
-    SourceTreeForm& m_form;
-};
-
 void setDirFolders(EditorContext& context, const std::string& path)
 {
     if (context.form.DirFolders == path)

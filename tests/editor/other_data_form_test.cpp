@@ -1,6 +1,7 @@
 #include "editor/other_data_form.h"
 
 #include "editor/extension_lists.h"
+#include "editor/include_texts.h"
 #include "pages_rig.h"
 
 #include <gmock/gmock.h>
@@ -238,6 +239,14 @@ TEST_F(OtherDataForm, HasTheseCaptions)
     EXPECT_EQ(pagesForm.otherdata.caption, "FileOptions");
     EXPECT_EQ(pagesForm.otherdata.cmdSetOK.caption, "&OK");
     EXPECT_EQ(pagesForm.otherdata.cmdCancel.caption, "&Clear");
+    EXPECT_EQ(include_texts::kExcludeFrame, "Exclude File(s) by File extensions");
+    EXPECT_EQ(include_texts::kNamesFrame, "Include \\ Exclude File(s) by File Names");
+    EXPECT_EQ(include_texts::kInclNamesLabel,
+              "Give File Names to be included like, Tech*.*,Inf*.*  :");
+    EXPECT_EQ(include_texts::kExclNamesLabel,
+              "Give File Names to be excluded like, Tech*.*,Inf*.* :");
+    EXPECT_EQ(include_texts::kExtensionColumn, "File Extensions");
+    EXPECT_EQ(include_texts::kTypeColumn, "Type");
 }
 
 } // namespace
