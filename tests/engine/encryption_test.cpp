@@ -70,6 +70,7 @@ std::string nameStarting(World& world, const std::string& start,
 std::vector<std::string> pathsOf(const std::vector<Gap>& gaps)
 {
     std::vector<std::string> paths;
+    paths.reserve(gaps.size());
     for (const Gap& gap : gaps)
         paths.push_back(gap.path);
     std::sort(paths.begin(), paths.end());

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -96,9 +97,9 @@ TEST(KeySlot, OneDerivationServesASaltForAllThreads)
     const KeyRing writer("secret");
     const KeySlot slot = writer.newSlot(kCheap);
     const KeyRing ring("secret");
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
+    std::array<std::thread, 4> threads;
+    for (std::thread& thread : threads) {
+        thread = std::thread([&] {
             for (int k = 0; k < 50; ++k)
                 EXPECT_TRUE(ring.opens(slot));
         });

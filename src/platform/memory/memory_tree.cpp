@@ -70,7 +70,7 @@ MemoryNodePtr copyOf(const MemoryNode& node, const std::shared_ptr<MemoryDisk>& 
     copy->pseudo = node.pseudo;
     if (node.info.kind == FileKind::Regular)
         disk->usedBytes += node.data.size();
-    const MemoryNodePtr result = copy; // the reference does not outlive the next insertion
+    MemoryNodePtr result = copy; // the reference does not outlive the next insertion
     for (const auto& [key, child] : node.children) {
         MemoryNodePtr below = copyOf(*child.node, disk, copies);
         if (below->info.kind == FileKind::Folder)

@@ -347,7 +347,8 @@ void joinHardLinks(TargetFolders& targets, const HardLinks& links,
         const auto info = folder.find(place.name);
         return info && info->inode == place.inode;
     };
-    for (const auto& [group, places] : links) {
+    for (const auto& link : links) {
+        const std::vector<LinkedName>& places = link.second;
         // A disk without hard links keeps the files apart, each with its whole content, and so does
         // a target that somebody changed meanwhile.
         base::PendingError ignored;

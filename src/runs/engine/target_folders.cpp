@@ -152,7 +152,8 @@ void TargetFolders::eachMade(
         made = m_made;
     }
     for (auto place = made.rbegin(); place != made.rend(); ++place) {
-        const auto& [sourceFolder, id] = *place;
+        const std::string& sourceFolder = place->first;
+        const FileId& id = place->second;
         base::PendingError ignored;
         ignored.attempt([&] {
             const auto above = walk(sourceFolder, false, 1);
