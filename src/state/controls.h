@@ -48,13 +48,14 @@ struct ComboBox {
 
 struct ListRow {
     std::string text{};
-    std::string sub;  // second column, empty where the list has one column
+    std::string sub; // second column, empty where the list has one column
+    std::string third;
     std::string icon; // name in the desktop's theme, may be empty
     bool checked = false;
     bool selected = false;
 };
 
-// A list with one or two columns. Multi-select lists use `selected`, lists with boxes `checked`.
+// A list with one to three columns. Multi-select lists use `selected`, lists with boxes `checked`.
 struct ListBox {
     std::vector<ListRow> rows;
     bool enabled = true;

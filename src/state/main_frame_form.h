@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 
 // The main frame's menu entries and toolbar buttons, as far as their enabling is decided by what
 // the person does. One instance, owned by the application, on the thread of the user interface.
@@ -13,6 +14,7 @@ struct MenuEntry {
 
 struct ToolButton {
     bool enabled = true;
+    std::string toolTip{}; // empty: the button's own
 };
 
 struct MainFrameForm {
@@ -43,6 +45,10 @@ struct MainFrameForm {
     MenuEntry mnuProfile;
     MenuEntry mnuContents;
     MenuEntry mnuAbout;
+
+    bool hourglass = false;
+    bool maximizeBox = true;      // taken away while the frame loads and while a run goes on
+    bool Picture2Visible = false; // the pane of the whole-PC backup
 
     bool editorEnabled = true; // frmProfile as a whole
     bool Toolbar1Enabled = true;

@@ -58,9 +58,9 @@ QTimeEdit* timeBox(const char* name)
 
 } // namespace
 
-ProfileForm::ProfileForm(state::ProfileEditorState& record, QuickHelp& help,
+ProfileForm::ProfileForm(state::ProfileEditorState& record, state::ProfileFormState& window,
                          ProfileFormHandlers handlers)
-    : m_record(record), m_help(help), m_handlers(std::move(handlers))
+    : m_record(record), m_window(window), m_handlers(std::move(handlers))
 {
     setObjectName(QStringLiteral("frmProfile"));
     m_tabs = named<QTabWidget>("SSTab1");
@@ -69,12 +69,12 @@ ProfileForm::ProfileForm(state::ProfileEditorState& record, QuickHelp& help,
     m_tabs->addTab(schedulePage(), QStringLiteral("Execute && Retention Options"));
     connect(m_tabs, &QTabWidget::currentChanged, this, [this](int tab) {
         m_binder.run([&] {
-            m_help.tab = tab;
+            m_window.SSTab1 = tab;
             if (m_handlers.SSTab1_Click)
                 m_handlers.SSTab1_Click(tab);
         });
     });
-    m_binder.also([this] { m_tabs->setCurrentIndex(m_help.tab); });
+    m_binder.also([this] { m_tabs->setCurrentIndex(m_window.SSTab1); });
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(m_tabs, 1);
     layout->addWidget(helpPanel());
@@ -449,7 +449,7 @@ QWidget* ProfileForm::helpPanel()
                 [this, click = heading.click] { m_binder.run(*click); });
         m_binder.also([this, button, number = heading.number] {
             QFont font = button->font();
-            font.setBold(m_help.highlighted == number);
+            font.setBold(m_window.highlightedLabel == number);
             button->setFont(font);
         });
         layout->addWidget(button);
@@ -459,8 +459,8 @@ QWidget* ProfileForm::helpPanel()
     text->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     layout->addWidget(text, 1);
     m_binder.also([this, what, text] {
-        what->setText(shownLines(m_help.Label37));
-        text->setText(shownLines(m_help.Label35));
+        what->setText(shownLines(m_window.Label37));
+        text->setText(shownLines(m_window.Label35));
     });
     return frame;
 }

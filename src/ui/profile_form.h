@@ -1,6 +1,7 @@
 #pragma once
 
 #include "state/profile_editor_state.h"
+#include "state/profile_form.h"
 #include "ui/form_binder.h"
 
 #include <QWidget>
@@ -61,21 +62,14 @@ struct ProfileFormHandlers {
     Handler Label33_Click;
 };
 
-// The quick help beside the pages: its texts and which heading stands out.
-struct QuickHelp {
-    std::string Label37;  // what a profile is
-    std::string Label35;  // about the page
-    int highlighted = 33; // 31, 32 or 33
-    int tab = 0;          // of SSTab1, as the logic wants it shown
-};
-
 // frmProfile: three pages of controls bound to the editor's record, with quick help at the side.
 class ProfileForm final : public QWidget {
     Q_OBJECT
 
 public:
     // All must outlive the form.
-    ProfileForm(state::ProfileEditorState& record, QuickHelp& help, ProfileFormHandlers handlers);
+    ProfileForm(state::ProfileEditorState& record, state::ProfileFormState& window,
+                ProfileFormHandlers handlers);
 
     // Shows the records as they stand.
     void showRecords() { m_binder.show(); }
@@ -96,7 +90,7 @@ private:
     QWidget* retentionFrame();
 
     state::ProfileEditorState& m_record;
-    QuickHelp& m_help;
+    state::ProfileFormState& m_window;
     ProfileFormHandlers m_handlers;
     FormBinder m_binder;
     QTabWidget* m_tabs = nullptr;

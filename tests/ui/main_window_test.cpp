@@ -53,7 +53,7 @@ protected:
     state::FrameState frame;
     RecordedCommands commands;
     state::ProfileEditorState record;
-    QuickHelp help;
+    state::ProfileFormState help;
 };
 
 TEST_F(Window, EveryMenuEntryRunsTheCommandOfItsName)
@@ -117,7 +117,7 @@ TEST_F(Window, ClosingItAsksTheExitCommand)
 }
 
 // A profile with something on every page.
-void fill(state::ProfileEditorState& record, QuickHelp& help)
+void fill(state::ProfileEditorState& record, state::ProfileFormState& help)
 {
     for (const char* extension : {".avi", ".bmp", ".cpp", ".doc", ".gif", ".html", ".jpg"})
         record.lstInclude.addItem(extension).sub = "Document";
@@ -141,6 +141,7 @@ void fill(state::ProfileEditorState& record, QuickHelp& help)
     record.dtpStDate.value = {{2026, 11, 21}, {9, 5, 3}};
     record.dtpStTime.value = record.dtpStDate.value;
     record.dtpWeekly.value = record.dtpStDate.value;
+    help.highlightedLabel = 33;
     help.Label37 = "Profile is a set of selected files/folders and settings\r\nwith which a "
                    "backup can be taken.Profile is created with\r\nthe extension .vdp.";
     help.Label35 = "Backup media and location can be selected.\r\n\r\nOptions are provided to "
