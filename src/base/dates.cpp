@@ -141,6 +141,12 @@ std::string isoDateTime(const DateTime& value)
     return isoDate(value.date) + " " + clockTime(value.time);
 }
 
+std::string generalDate(const DateTime& value)
+{
+    return std::to_string(value.date.month) + '/' + std::to_string(value.date.day) + '/' +
+           std::to_string(value.date.year) + ' ' + timeText(value.time);
+}
+
 std::optional<Date> parseDate(std::string_view text)
 {
     const std::string unified = replaceAll(trim(text), "-", "/");

@@ -52,6 +52,7 @@ std::string clockTime(const TimeOfDay& time);   // 09:05:03, 24 hours
 std::string timeText(const TimeOfDay& time);    // 9:05:03 AM, the default text form of a time
 std::string timeText2(const TimeOfDay& time);   // 09:05:03 AM, the form "HH:MM:SS AMPM"
 std::string isoDateTime(const DateTime& value); // 2003-07-03 09:05:03
+std::string generalDate(const DateTime& value); // 7/3/2003 9:05:03 AM: M/D/YYYY and timeText
 
 // A date written with slashes or dashes, year last and four digits. The first number is the day and
 // the second the month, unless the second is above 12: then it is the day. No date gives nullopt.

@@ -2,6 +2,7 @@
 #include "base/text.h"
 #include "ctl/commands.h"
 #include "ctl/text_forms.h"
+#include "logs/log_texts.h"
 #include "logs/run_records.h"
 
 #include <fmt/format.h>
@@ -9,14 +10,6 @@
 
 namespace vardelin::ctl {
 namespace {
-
-constexpr std::string_view kNoBackupFolder = "Backup Log details are not available to be displayed";
-constexpr std::string_view kNoBackupFiles = "Backup Log Files are not available to be displayed";
-constexpr std::string_view kNoRestoreFolder =
-    "Restore Log details are not available to be displayed";
-constexpr std::string_view kNoRestoreFiles = "Restore Log details are not availabe to be displayed";
-constexpr std::string_view kNoQueueFile = "The Queue file is not existing in the default path";
-constexpr std::string_view kNoQueueFiles = "Queue files are not available to be displayed";
 
 int finish(const Session& session, const Table& table, const std::vector<logs::LogFault>& faults,
            std::string_view emptyText)
@@ -54,7 +47,8 @@ int showBackups(const Session& session)
         putText(object, "missedReport", report);
         session.output.object(object);
     }
-    return finish(session, table, log.faults, log.folderExists ? kNoBackupFiles : kNoBackupFolder);
+    return finish(session, table, log.faults,
+                  log.folderExists ? logs::texts::kNoBackupFiles : logs::texts::kNoBackupFolder);
 }
 
 int showRestores(const Session& session)
@@ -73,7 +67,7 @@ int showRestores(const Session& session)
         session.output.object(object);
     }
     return finish(session, table, log.faults,
-                  log.folderExists ? kNoRestoreFiles : kNoRestoreFolder);
+                  log.folderExists ? logs::texts::kNoRestoreFiles : logs::texts::kNoRestoreFolder);
 }
 
 // A path whose file has gone is left out.
@@ -95,7 +89,8 @@ int showQueue(const Session& session)
         putInstant(object, "modified", file.modifiedNs);
         session.output.object(object);
     }
-    return finish(session, table, {}, queue.fileExists ? kNoQueueFiles : kNoQueueFile);
+    return finish(session, table, {},
+                  queue.fileExists ? logs::texts::kNoQueueFiles : logs::texts::kNoQueueFile);
 }
 
 } // namespace

@@ -145,18 +145,27 @@ std::vector<std::string_view> fieldsOf(std::string_view line, std::size_t count)
     return fields;
 }
 
+// `number` is the line under way, from 1; 0 while the file is being read.
+template <typename Line, typename Each>
+void readLines(FileSystem& fileSystem, std::string_view path, Line (*parse)(std::string_view),
+               std::size_t& number, Each&& each)
+{
+    const std::string text = fileSystem.readAll(path);
+    for (const std::string_view line : linesOf(text)) {
+        ++number;
+        if (!line.empty())
+            each(parse(line));
+    }
+}
+
 template <typename Line>
 void readLogFile(FileSystem& fileSystem, const std::string& path, Line (*parse)(std::string_view),
                  Log<Line>& log)
 {
     std::size_t number = 0;
     try {
-        const std::string text = fileSystem.readAll(path);
-        for (const std::string_view line : linesOf(text)) {
-            ++number;
-            if (!line.empty())
-                log.lines.push_back(parse(line));
-        }
+        readLines(fileSystem, path, parse, number,
+                  [&](Line line) { log.lines.push_back(std::move(line)); });
     } catch (const RuntimeError& error) {
         log.faults.push_back(
             {path, number,
@@ -164,18 +173,30 @@ void readLogFile(FileSystem& fileSystem, const std::string& path, Line (*parse)(
     }
 }
 
+std::optional<std::vector<std::string>> logFiles(FileSystem& fileSystem, std::string_view appPath,
+                                                 std::string_view logFolder)
+{
+    const std::string folder = platform::joinPath(appPath, logFolder);
+    if (!fileSystem.folderExists(folder))
+        return std::nullopt;
+    std::vector<std::string> paths;
+    for (const platform::FolderEntryInfo& entry : fileSystem.list(folder)) {
+        if (entry.info.kind == platform::FileKind::Regular)
+            paths.push_back(platform::joinPath(folder, entry.name));
+    }
+    return paths;
+}
+
 template <typename Line>
 Log<Line> readLog(FileSystem& fileSystem, std::string_view appPath, std::string_view logFolder,
                   Line (*parse)(std::string_view))
 {
     Log<Line> log;
-    const std::string folder = platform::joinPath(appPath, logFolder);
-    log.folderExists = fileSystem.folderExists(folder);
-    if (!log.folderExists)
-        return log;
-    for (const platform::FolderEntryInfo& entry : fileSystem.list(folder)) {
-        if (entry.info.kind == platform::FileKind::Regular)
-            readLogFile(fileSystem, platform::joinPath(folder, entry.name), parse, log);
+    const auto paths = logFiles(fileSystem, appPath, logFolder);
+    log.folderExists = paths.has_value();
+    if (paths) {
+        for (const std::string& path : *paths)
+            readLogFile(fileSystem, path, parse, log);
     }
     return log;
 }
@@ -252,6 +273,32 @@ Log<BackupLine> readBackupLog(FileSystem& fileSystem, std::string_view appPath)
 Log<RestoreLine> readRestoreLog(FileSystem& fileSystem, std::string_view appPath)
 {
     return readLog(fileSystem, appPath, kRestoreFolder, &parseRestoreLine);
+}
+
+std::optional<std::vector<std::string>> backupLogFiles(FileSystem& fileSystem,
+                                                       std::string_view appPath)
+{
+    return logFiles(fileSystem, appPath, kBackupFolder);
+}
+
+std::optional<std::vector<std::string>> restoreLogFiles(FileSystem& fileSystem,
+                                                        std::string_view appPath)
+{
+    return logFiles(fileSystem, appPath, kRestoreFolder);
+}
+
+void readBackupLogFile(FileSystem& fileSystem, std::string_view path,
+                       const std::function<void(const BackupLine&)>& each)
+{
+    std::size_t number = 0;
+    readLines(fileSystem, path, &parseBackupLine, number, each);
+}
+
+void readRestoreLogFile(FileSystem& fileSystem, std::string_view path,
+                        const std::function<void(const RestoreLine&)>& each)
+{
+    std::size_t number = 0;
+    readLines(fileSystem, path, &parseRestoreLine, number, each);
 }
 
 Queue readQueue(FileSystem& fileSystem, std::string_view appPath)

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -108,6 +110,19 @@ struct Log {
 // it and the other files are read all the same. Empty lines are passed over.
 Log<BackupLine> readBackupLog(platform::FileSystem& fileSystem, std::string_view appPath);
 Log<RestoreLine> readRestoreLog(platform::FileSystem& fileSystem, std::string_view appPath);
+
+// The files right in a log's folder, in the folder's order; none where the folder is missing.
+std::optional<std::vector<std::string>> backupLogFiles(platform::FileSystem& fileSystem,
+                                                       std::string_view appPath);
+std::optional<std::vector<std::string>> restoreLogFiles(platform::FileSystem& fileSystem,
+                                                        std::string_view appPath);
+
+// One file of a log, line by line. Raises 9 for a line with too few fields, once those in front of
+// it were handed over, and what the port raises.
+void readBackupLogFile(platform::FileSystem& fileSystem, std::string_view path,
+                       const std::function<void(const BackupLine&)>& each);
+void readRestoreLogFile(platform::FileSystem& fileSystem, std::string_view path,
+                        const std::function<void(const RestoreLine&)>& each);
 
 struct QueuedFile {
     std::string path;

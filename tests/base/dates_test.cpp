@@ -19,6 +19,7 @@ TEST(DateTexts, HaveTheirFixedForms)
     EXPECT_EQ(traceDate(date), "07-03-2003");
     EXPECT_EQ(isoDate(date), "2003-07-03");
     EXPECT_EQ(isoDateTime({date, {9, 5, 3}}), "2003-07-03 09:05:03");
+    EXPECT_EQ(generalDate({date, {9, 5, 3}}), "7/3/2003 9:05:03 AM");
 }
 
 TEST(TimeTexts, RunThroughTheHalvesOfTheDay)
