@@ -7,7 +7,9 @@
 #include "state/profile_store.h"
 #include "trace/error_tail.h"
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +42,24 @@ public:
     int GetIcon(std::string_view) override { return kPlainFileImage; }
 };
 
+// Reading a folder gives the window its turns, so that a large one does not freeze it. Handlers of
+// the tree that come in meanwhile refuse, and so must every command that needs the tree whole.
+struct FolderReading {
+    enum class Ending {
+        Whole,     // all of it is in the tree, or an error was reported
+        Cancelled, // nothing of it is in the tree: the folder is unread and closed as before
+        Lost       // the tree was emptied or replaced meanwhile; the node is gone
+    };
+
+    bool active = false;
+    bool mayCancel = true;         // not while a profile is captured, which would lose lines
+    bool cancelled = false;        // the person gave up; the reading looks at it at its next turn
+    std::size_t names = 0;         // read so far
+    std::uint64_t serial = 0;      // of the node
+    Ending ending = Ending::Whole; // of the last one
+    std::chrono::nanoseconds lastTurn{0}; // steady, when the window last had its turn
+};
+
 enum class MousePointer { Default = 0, Hourglass = 11 };
 
 // What the editor's form keeps beside the tree itself. The lists of names are bare names: a
@@ -59,8 +79,8 @@ struct SourceTreeForm {
     MousePointer mousePointer = MousePointer::Default;
 
     std::vector<std::string> driDrives; // `c:`, `c: [label]` or `f: [\\server\share]`
-    std::vector<std::string> List1;     // sorts the names of one folder
     std::string DirFolders;             // the path of the hidden list of folders
+    FolderReading reading;
 };
 
 // The hourglass stands while something is read, whatever the reading meets.

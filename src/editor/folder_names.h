@@ -2,6 +2,8 @@
 
 #include "platform/file_system.h"
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +17,13 @@ struct FolderNames {
 };
 
 // Reads the folder's names and nothing else of its entries. Folders that only show the running
-// system are left out. Raises what opening and listing raise.
+// system are left out. `goOn` is asked for every entry, and between the steps of the sorting: the
+// caller may do other work in it, and none come back where it gives false. Raises what opening and
+// listing raise.
+std::optional<FolderNames> readFolderNames(platform::FileSystem& fileSystem, std::string_view path,
+                                           const std::function<bool()>& goOn);
+
+// The same without a break.
 FolderNames readFolderNames(platform::FileSystem& fileSystem, std::string_view path);
 
 } // namespace vardelin::editor

@@ -3,6 +3,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "editor/folder_names.h"
+#include "editor/reading_turns.h"
 #include "editor/source_tree.h"
 #include "trace/messages.h"
 
@@ -245,6 +246,22 @@ void Capture::advanceBar()
         bar.value = std::min(bar.value + step, bar.maximum);
 }
 
+// A folder that is read for the capture is read to its end, whatever the person presses.
+class WholeReading {
+public:
+    explicit WholeReading(EditorContext& context) : m_form(context.form)
+    {
+        startTurns(context);
+        m_form.reading.mayCancel = false;
+    }
+    WholeReading(const WholeReading&) = delete;
+    WholeReading& operator=(const WholeReading&) = delete;
+    ~WholeReading() { m_form.reading.mayCancel = true; }
+
+private:
+    SourceTreeForm& m_form;
+};
+
 // One item of the opened sources, as the view adds what lies below a key.
 class ViewLevel {
 public:
@@ -303,6 +320,7 @@ private:
 void GettingChkedItems(EditorContext& context)
 {
     runTraced(context.trace, "GettingChkedItems", kModule, trace::message(kCaptureText), [&] {
+        const WholeReading toTheEnd(context);
         Capture capture(context);
         capture.run();
         if (capture.error())
@@ -315,6 +333,7 @@ void SubLevelFolderChkUnExpandedNode(EditorContext& context, std::string_view /*
 {
     runTraced(context.trace, "SubLevelFolderChkUnExpandedNode", kModule,
               trace::message(kCaptureText), [&] {
+                  const WholeReading toTheEnd(context);
                   Capture capture(context);
                   capture.walkBelow(Index);
                   if (capture.error())

@@ -294,6 +294,11 @@ void spreadDown(EditorContext& context, const TreeNode& node)
 
 void tvwDirectory_NodeCheck(EditorContext& context, TreeNode& node)
 {
+    if (context.form.reading.active) {
+        node.checked = !node.checked;
+        ++context.editor.revision;
+        return;
+    }
     NodeCheck(context, node).run();
 }
 

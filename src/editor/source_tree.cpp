@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "editor/folder_names.h"
+#include "editor/reading_turns.h"
 #include "editor/source_capture.h"
 #include "trace/messages.h"
 
@@ -65,26 +66,65 @@ class Loading {
 public:
     Loading(EditorContext& context, TreeNode& node, bool inherit)
         : m_context(context), m_tree(context.editor.tvwDirectory), m_node(node), m_key(node.key()),
-          m_checkChild(node.checked), m_inherit(inherit)
+          m_checkChild(node.checked), m_inherit(inherit),
+          m_inheritedBefore(context.form.clxnInheritedNames.count())
     {
         m_restoring = context.frame.BL_Edit_Mode && !context.frame.BL_New_Mode;
     }
 
     void run()
     {
-        m_tree.remove(*m_node.child()); // it stood for what comes now
-        setDirFolders(m_context, m_key);
-        FolderNames names = readFolderNames(m_context.machine.fileSystem, m_key);
-        m_context.form.List1 = std::move(names.folders);
-        for (const std::string& name : m_context.form.List1)
-            addFolder(name);
-        m_context.form.List1 = std::move(names.files);
-        for (const std::string& name : m_context.form.List1)
-            addFile(name);
-        m_context.form.List1.clear();
+        ReadingTurns turns(m_context, m_node);
+        const auto goOn = [&turns] { return turns.goOn(); };
+        PendingError unreadable;
+        bool whole = false;
+        unreadable.attempt([&] {
+            setDirFolders(m_context, m_key);
+            const auto names = readFolderNames(m_context.machine.fileSystem, m_key, goOn);
+            whole = names && addAll(*names, goOn);
+        });
+        if (turns.ending() == FolderReading::Ending::Lost)
+            return;
+        // The empty child stood for what is there now; it stays to the end, so that a reading that
+        // was given up leaves the flat order as it was.
+        if (whole || unreadable)
+            m_tree.remove(*m_node.child());
+        else
+            putBack(turns);
+        if (unreadable)
+            throw base::RuntimeError(unreadable.number, unreadable.subject);
     }
 
 private:
+    template <typename GoOn>
+    bool addAll(const FolderNames& names, const GoOn& goOn)
+    {
+        for (const std::string& name : names.folders) {
+            addFolder(name);
+            if (!goOn())
+                return false;
+        }
+        for (const std::string& name : names.files) {
+            addFile(name);
+            if (!goOn())
+                return false;
+        }
+        return true;
+    }
+
+    void putBack(ReadingTurns& turns)
+    {
+        while (m_node.children() > 1) {
+            m_tree.remove(*m_node.lastChild());
+            if (!turns.goBack())
+                return;
+        }
+        base::TextCollection& inherited = m_context.form.clxnInheritedNames;
+        while (inherited.count() > m_inheritedBefore)
+            inherited.remove(inherited.count());
+        m_node.expanded = false;
+    }
+
     bool wasSaved(const std::string& key) const
     {
         return m_context.store.opened.clxnOpenedSources.contains(key);
@@ -136,6 +176,7 @@ private:
     bool m_checkChild;
     bool m_inherit;
     bool m_restoring; // a saved profile is being edited
+    const std::size_t m_inheritedBefore;
 };
 
 // A folder that was read before passes on what it is now; the partly selected one passes on
@@ -209,19 +250,30 @@ void BuildDriveList(EditorContext& context)
     });
 }
 
-void setExpanded(EditorContext& context, TreeNode& node, bool expanded)
+bool setExpanded(EditorContext& context, TreeNode& node, bool expanded)
 {
+    if (context.form.reading.active)
+        return false;
     const bool opens = expanded && !node.expanded && node.children() > 0;
     node.expanded = expanded;
+    context.form.reading.ending = FolderReading::Ending::Whole;
     if (opens)
         tvwDirectory_Expand(context, node);
+    return context.form.reading.ending == FolderReading::Ending::Whole;
 }
 
 void tvwDirectory_Expand(EditorContext& context, TreeNode& node)
 {
+    ++context.editor.revision;
+    if (context.form.reading.active) {
+        node.expanded = false;
+        return;
+    }
     if (node.child() == nullptr)
         return; // nothing to show
-    ++context.editor.revision;
+    // A walk over many folders has its turns between them, too.
+    if (!context.form.ExpandAllActive && context.form.reading.mayCancel)
+        startTurns(context);
     runTraced(context.trace, "tvwDirectory_Expand", kModule, trace::message(kExpandText), [&] {
         const state::FrameState& frame = context.frame;
         const bool isUnread = node.child()->text.empty();
@@ -288,13 +340,16 @@ void DirFolders_Change(EditorContext& context)
 
 void mnuExpand_Click(EditorContext& context)
 {
+    if (context.form.reading.active)
+        return;
     context.frame.panel1.text = "Expanding a Node...";
     runTraced(context.trace, "mnuExpand_Click", kFrameModule, trace::message(kExpandBranchText),
               [&] {
                   TreeView& tree = context.editor.tvwDirectory;
                   forSelected(tree, [&](TreeNode& node) {
                       if (node.children() > 0 && !isNeverWalked(node.text)) {
-                          setExpanded(context, node, true);
+                          if (!setExpanded(context, node, true))
+                              return;
                           context.form.ExpandAllActive = true;
                           if (node.child() != nullptr)
                               TreeViewExpand(context, node.children(), tree.indexOf(*node.child()));
@@ -310,6 +365,8 @@ void mnuExpand_Click(EditorContext& context)
 
 void mnuCollapse_Click(EditorContext& context)
 {
+    if (context.form.reading.active)
+        return;
     context.frame.panel1.text = "Collapsing a Node...";
     runTraced(context.trace, "mnuCollapse_Click", kFrameModule, trace::message(kCollapseBranchText),
               [&] {
@@ -333,9 +390,12 @@ void TreeViewExpand(EditorContext& context, std::size_t count, std::size_t first
     // Expanding takes the empty child behind each folder away, so the next sibling moves up to it.
     for (std::size_t i = 0; i < count && first + i <= tree.count(); ++i) {
         TreeNode& node = tree.node(first + i);
-        setExpanded(context, node, true);
+        if (!setExpanded(context, node, true))
+            return;
         if (node.child() != nullptr)
             TreeViewExpand(context, node.children(), tree.indexOf(*node.child()));
+        if (context.form.reading.ending != FolderReading::Ending::Whole)
+            return; // given up further below
     }
 }
 

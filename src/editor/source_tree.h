@@ -27,12 +27,18 @@ std::vector<std::string> driveEntries(platform::Drives& drives);
 void BuildDriveList(EditorContext& context);
 
 // Opens or closes a node as a program does it: opening one that is closed and has children runs
-// tvwDirectory_Expand.
-void setExpanded(EditorContext& context, state::TreeNode& node, bool expanded);
+// tvwDirectory_Expand. False where the reading was given up, or another one is under way and
+// nothing was done: a walk stops then, and where the ending is Lost the node is gone.
+bool setExpanded(EditorContext& context, state::TreeNode& node, bool expanded);
 
 // The node, whose `expanded` is set by now, shows its children: reads them where that was not done
 // yet, restores what the opened profile selected, and passes its tick on. A folder that cannot be
 // read is reported, keeps what was read of it, and counts as read.
+//
+// A reading that takes long gives the window its turns (FolderReading). What comes in meanwhile is
+// refused: a second expansion leaves its node closed, a tick goes back, the commands on branches do
+// nothing. Given up by the person it leaves nothing behind: the folder is closed and unread as
+// before, so that no saved selection can get lost in a folder that is half there.
 void tvwDirectory_Expand(EditorContext& context, state::TreeNode& node);
 
 // The person ticked or unticked the node; its `checked` tells which. Sets the change flags, spreads

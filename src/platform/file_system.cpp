@@ -84,6 +84,14 @@ std::string joinPath(std::string_view folder, std::string_view name)
     return result.append(name);
 }
 
+void Folder::visit(const std::function<bool(FolderEntry entry)>& visit)
+{
+    for (FolderEntry& entry : list()) {
+        if (!visit(std::move(entry)))
+            return;
+    }
+}
+
 std::optional<FileInfo> FileSystem::find(std::string_view path)
 {
     try {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -130,6 +131,9 @@ public:
     // and an entry that vanishes meanwhile is left out.
     virtual std::vector<FolderEntry> list() = 0;
     virtual std::vector<FolderEntryInfo> listWithInfo() = 0;
+    // The entries of list() one by one as they come from the disk, for a caller that has something
+    // else to do in between. Ends early once `visit` gives false.
+    virtual void visit(const std::function<bool(FolderEntry entry)>& visit);
 
     // Of the entry itself, links not followed. None where there is no such entry.
     virtual std::optional<FileInfo> find(std::string_view name) = 0;

@@ -32,6 +32,21 @@ std::string TreeNode::fullPath() const
     return path += text;
 }
 
+TreeView& TreeView::operator=(TreeView&& other) noexcept
+{
+    if (this == &other)
+        return *this;
+    enabled = other.enabled;
+    m_keyRule = other.m_keyRule;
+    m_byKey = std::exchange(other.m_byKey, {});
+    m_roots = std::exchange(other.m_roots, {});
+    m_nodes = std::exchange(other.m_nodes, {});
+    m_selected = std::exchange(other.m_selected, nullptr);
+    m_nextSerial = std::max(m_nextSerial, other.m_nextSerial);
+    m_structureRevision = std::max(m_structureRevision, other.m_structureRevision) + 1;
+    return *this;
+}
+
 TreeNode& TreeView::add(TreeNode* parent, TreeNodeTexts texts)
 {
     std::unique_ptr<TreeNode> node(new TreeNode);

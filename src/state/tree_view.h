@@ -57,6 +57,7 @@ public:
     // The first child; null where there is none.
     const TreeNode* child() const noexcept { return childAt(0); }
     TreeNode* child() noexcept { return m_children.empty() ? nullptr : m_children.front(); }
+    TreeNode* lastChild() noexcept { return m_children.empty() ? nullptr : m_children.back(); }
     const TreeNode* lastChild() const noexcept
     {
         return m_children.empty() ? nullptr : m_children.back();
@@ -83,7 +84,9 @@ public:
     TreeView(const TreeView&) = delete;
     TreeView& operator=(const TreeView&) = delete;
     TreeView(TreeView&&) noexcept = default;
-    TreeView& operator=(TreeView&&) noexcept = default;
+    // The serials of later nodes and the revision go on from the greater of the two, so that
+    // whoever remembers either sees that the nodes are others.
+    TreeView& operator=(TreeView&& other) noexcept;
     ~TreeView() = default;
 
     bool enabled = true;

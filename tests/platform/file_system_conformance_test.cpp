@@ -71,6 +71,25 @@ TEST_P(EveryFileSystem, ListsNamesAndKindsWithoutTheDots)
     EXPECT_THAT(seen, UnorderedElementsAre("file0", "folder1", "link2"));
 }
 
+TEST_P(EveryFileSystem, VisitsWhatItListsUntilTheVisitorHasEnough)
+{
+    for (const char* name : {"a", "b", "c"})
+        put(name, "");
+    m_root->createFolder("d");
+    std::vector<std::string> listed;
+    for (const auto& entry : m_root->list())
+        listed.push_back(entry.name + std::to_string(static_cast<int>(entry.kind)));
+    std::vector<std::string> visited;
+    m_root->visit([&](FolderEntry entry) {
+        visited.push_back(entry.name + std::to_string(static_cast<int>(entry.kind)));
+        return true;
+    });
+    EXPECT_EQ(visited, listed);
+    std::size_t calls = 0;
+    m_root->visit([&](const FolderEntry&) { return ++calls < 2; });
+    EXPECT_EQ(calls, 2U);
+}
+
 TEST_P(EveryFileSystem, ListsAgainFromTheStart)
 {
     put("a", "");

@@ -100,5 +100,30 @@ TEST(TreeView, TellsAViewWhenNodesCameOrWent)
     EXPECT_EQ(s.tree.find("C:\\"), nullptr);
 }
 
+TEST(TreeView, AssignedAnotherTreeNoSerialAndNoRevisionComesAgain)
+{
+    TreeView tree;
+    tree.add(nullptr, {"a", "a"});
+    tree.select(&tree.add(nullptr, {"b", "b"}));
+    const std::uint64_t revision = tree.structureRevision();
+    tree = TreeView{};
+    EXPECT_EQ(tree.count(), 0U);
+    EXPECT_EQ(tree.find("a"), nullptr);
+    EXPECT_EQ(tree.selected(), nullptr);
+    EXPECT_GT(tree.structureRevision(), revision);
+    EXPECT_EQ(tree.add(nullptr, {"a", "a"}).serial(), 3U);
+
+    TreeView filled;
+    TreeNode& parent = filled.add(nullptr, {"c", "c"});
+    filled.add(&parent, {"d", "d"});
+    filled.enabled = false;
+    tree = std::move(filled);
+    EXPECT_EQ(tree.count(), 2U);
+    EXPECT_EQ(tree.find("d")->parent(), tree.find("c"));
+    EXPECT_EQ(tree.roots().size(), 1U);
+    EXPECT_FALSE(tree.enabled);
+    EXPECT_EQ(tree.find("a"), nullptr);
+}
+
 } // namespace
 } // namespace vardelin::state

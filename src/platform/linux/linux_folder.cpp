@@ -123,8 +123,8 @@ void LinuxFolder::eachEntry(Use&& use)
         for (std::size_t at = 0; at < static_cast<std::size_t>(got);) {
             const auto* entry = reinterpret_cast<const dirent64*>(block.data() + at);
             at += entry->d_reclen;
-            if (!isDots(entry->d_name))
-                use(*entry);
+            if (!isDots(entry->d_name) && !use(*entry))
+                return;
         }
     }
 }
@@ -132,17 +132,25 @@ void LinuxFolder::eachEntry(Use&& use)
 std::vector<FolderEntry> LinuxFolder::list()
 {
     std::vector<FolderEntry> result;
+    visit([&](FolderEntry entry) {
+        result.push_back(std::move(entry));
+        return true;
+    });
+    return result;
+}
+
+void LinuxFolder::visit(const std::function<bool(FolderEntry entry)>& visit)
+{
     eachEntry([&](const dirent64& entry) {
         FileKind kind = kindOfType(entry.d_type);
         if (entry.d_type == DT_UNKNOWN) {
             FileInfo info;
             if (!readInfo(m_fd.get(), entry.d_name, info) && errno == ENOENT)
-                return;
+                return true;
             kind = info.inode == 0 ? FileKind::Other : info.kind;
         }
-        result.push_back({nameFromDisk(entry.d_name), kind});
+        return visit({nameFromDisk(entry.d_name), kind});
     });
-    return result;
 }
 
 std::vector<FolderEntryInfo> LinuxFolder::listWithInfo()
@@ -159,6 +167,7 @@ std::vector<FolderEntryInfo> LinuxFolder::listWithInfo()
             added.name = nameFromDisk(entry.d_name);
             added.info.kind = kindOfType(entry.d_type);
         }
+        return true;
     });
     return result;
 }

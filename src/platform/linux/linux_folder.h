@@ -13,6 +13,7 @@ public:
 
     const std::string& path() const override { return m_path; }
     std::vector<FolderEntry> list() override;
+    void visit(const std::function<bool(FolderEntry entry)>& visit) override;
     std::vector<FolderEntryInfo> listWithInfo() override;
     std::optional<FileInfo> find(std::string_view name) override;
     FileInfo info() override;
@@ -45,7 +46,7 @@ private:
     [[noreturn]] void fail(int systemError, std::string_view name, bool folder = false) const;
     // Calls `use(entry)` for each entry but `.` and `..`; the entry lives until it comes back.
     template <typename Use>
-    void eachEntry(Use&& use);
+    void eachEntry(Use&& use); // until `use` gives false
 
     UniqueFd m_fd;
     bool m_readable;
