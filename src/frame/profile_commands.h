@@ -18,22 +18,24 @@ void mnuClose_Click(FrameContext& context);
 // Also the frame's close box. False where the application stays.
 bool mnuExit_Click(FrameContext& context);
 
-// Brings the editor back and sets the commands by its mode.
-void mnuProfile_Click(FrameContext& context);
-
 // Asks whether to save, and saves. BL_Save_Blocked tells that the caller must stop.
 void ConfirmSave(FrameContext& context);
 void CreateNewProfile(FrameContext& context);
 
-// Save under a name that is asked for, and under the name that the profile has.
-void SaveProfile(FrameContext& context);
-void EditSaveMode(FrameContext& context, std::string_view name);
+// Save under a name that is asked for, and under the name that the profile has, which is a file
+// name in Profiles. True where the profile is on the disk. Otherwise the person was told why,
+// everything in the editor still counts as changed, and the file is the old one.
+bool SaveProfile(FrameContext& context);
+bool EditSaveMode(FrameContext& context, std::string_view name);
 
-// Asks for a name; it comes in ST_Current_Profile_Path, or BL_Name_Cancelled is set.
+// Asks for a name; it comes in ST_Current_Profile_Path, as it was entered, or BL_Name_Cancelled is
+// set. A dialog that could not be shown leaves the path empty.
 void PrSaveNameIp(FrameContext& context);
 
 // A profile from backup media is left: it stays on this machine or goes back to where it came from,
-// and the local profile that it hid comes back unless the person gives it up.
+// and the local profile that it hid comes back unless the person gives it up. Raises what the file
+// system raises; nothing is lost then, and the same question can be asked again. A profile that
+// went back has no name in the editor any more.
 void copyBackRemoteProfile(FrameContext& context);
 
 // Handlers of frmRestDialog.

@@ -46,7 +46,7 @@ struct FrameState {
 
     std::string ST_App_Path;             // application folder, no backslash at the end
     std::string ST_Current_Profile;      // file name of the profile in the editor
-    std::string ST_Current_Profile_Path; // its path below the application folder
+    std::string ST_Current_Profile_Path; // its full path, below the application folder's Profiles
     std::string ST_Last_Saved_Profile;   // empty for a new profile
     std::string ST_Recent_Profile;       // file name
     std::string ST_Primary_Profile;      // file name

@@ -46,6 +46,7 @@ struct MainFrameForm {
     MenuEntry mnuContents;
     MenuEntry mnuAbout;
 
+    bool commandRunning = false; // another command that is clicked meanwhile does nothing
     bool hourglass = false;
     bool maximizeBox = true;      // taken away while the frame loads and while a run goes on
     bool Picture2Visible = false; // the pane of the whole-PC backup
