@@ -5,6 +5,7 @@
 #include "profile/scramble_text.h"
 #include "trace/messages.h"
 
+#include <cstdint>
 #include <span>
 
 #include <fmt/format.h>
@@ -116,6 +117,14 @@ std::string readRest(platform::File& file)
     while (const std::size_t n = file.read(block))
         text.append(reinterpret_cast<const char*>(block.data()), n);
     return text;
+}
+
+// The plain form holds a password. A disk without rights cannot do more for it.
+void keepPrivate(platform::File& file)
+{
+    constexpr std::uint32_t kOwnerOnly = 0600;
+    PendingError noRights;
+    noRights.attempt([&] { file.setMode(kOwnerOnly); });
 }
 
 std::string_view textUpToLastBackslash(std::string_view path)
@@ -302,6 +311,7 @@ void Decryption::run()
     const auto profile = m_fileSystem.open(m_paths.profile, OpenMode::Read);
     m_status = Status::OpenTemporary;
     const auto temporary = m_fileSystem.open(m_paths.temporary, OpenMode::CreateOrTruncate);
+    keepPrivate(*temporary);
     m_status = Status::Read;
     const std::string text = readRest(*profile);
     m_status = Status::Other;

@@ -29,9 +29,10 @@ ScrambleResult PrFileEncrypt(ProfileContext& context, std::string_view folder,
                              std::string_view name);
 
 // Writes the plain form of `folder + name` to `folder + U<name less its last four characters>.txt`,
-// replacing one that is there; `folder` ends in a backslash. The profile stays as it is. A profile
-// that cannot be found sets bDecryptFileMissing of the frame, which nobody clears here. False after
-// a failure, which was shown.
+// replacing one that is there; `folder` ends in a backslash. Nobody but the owner may read the
+// plain form, which can hold a password. The profile stays as it is. A profile that cannot be found
+// sets bDecryptFileMissing of the frame, which nobody clears here. False after a failure, which was
+// shown.
 bool PrFileDecrypt(ProfileContext& context, std::string_view folder, std::string_view name);
 
 // The line's bytes in the opposite order.
