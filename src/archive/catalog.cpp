@@ -1,11 +1,11 @@
 #include "archive/catalog.h"
 
+#include "archive/line_files.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -22,7 +22,8 @@ constexpr std::string_view kFullMark = "FULL";
 constexpr std::string_view kVersionMark = "VER";
 constexpr std::string_view kModule = "frmVDStorage";
 constexpr std::size_t kTagLength = 3;
-constexpr std::size_t kBlockBytes = 65'536;
+constexpr std::size_t kExtensionLength = 4; // the dot and three letters, whatever they are
+constexpr std::size_t kNameBlockBytes = std::size_t{1} << 20U;
 
 // The last place of a mark of capital letters, in any case of the text; npos where there is none.
 // Called for each file of an archive, so it copies nothing.
@@ -113,40 +114,6 @@ Naming makeLine(std::string_view root, std::string_view path, std::string_view g
     appendTag(line, copy);
     return Naming::Named;
 }
-
-// Writes lines in large blocks; a list can have a million of them.
-class LineWriter {
-public:
-    LineWriter(FileSystem& fileSystem, std::string_view path)
-        : m_file(fileSystem.open(path, platform::OpenMode::CreateOrTruncate))
-    {
-        m_block.reserve(kBlockBytes);
-    }
-
-    void write(std::string_view line)
-    {
-        m_block.append(line).append("\r\n");
-        if (m_block.size() >= kBlockBytes)
-            writeBlock();
-    }
-
-    void close()
-    {
-        writeBlock();
-        m_file->close();
-    }
-
-private:
-    void writeBlock()
-    {
-        if (!m_block.empty())
-            m_file->write(platform::asBytes(m_block));
-        m_block.clear();
-    }
-
-    std::unique_ptr<platform::File> m_file;
-    std::string m_block;
-};
 
 // The entries of a folder in the folder's order. Kinds are enough, so no entry is looked at.
 std::vector<FolderEntry> listInOrder(FileSystem& fileSystem, std::string_view folder)
@@ -266,6 +233,44 @@ std::string reviewFilesPath(std::string_view appPath)
     return platform::joinPath(appPath, "Data\\ReviewFiles.txt");
 }
 
+std::string modelPath(std::string_view appPath)
+{
+    return platform::joinPath(appPath, "model.txt");
+}
+
+std::string archiveRoot(std::string_view destination, std::string_view profileFileName)
+{
+    if (destination.empty() || profileFileName.size() <= kExtensionLength)
+        return {};
+    profileFileName.remove_suffix(kExtensionLength);
+    return platform::joinPath(destination, profileFileName).append("\\");
+}
+
+void PathList::add(std::string_view path)
+{
+    const std::string_view name = nameOf(path);
+    const std::string_view folder = path.substr(0, path.size() - name.size());
+    if (m_folders.empty() || m_folders.back() != folder)
+        m_folders.emplace_back(folder);
+    if (m_blocks.empty() || m_blocks.back().size() + name.size() > m_blocks.back().capacity())
+        m_blocks.emplace_back().reserve(std::max(kNameBlockBytes, name.size()));
+    std::string& block = m_blocks.back();
+    m_entries.push_back({static_cast<std::uint32_t>(m_folders.size() - 1),
+                         static_cast<std::uint32_t>(m_blocks.size() - 1),
+                         static_cast<std::uint32_t>(block.size()),
+                         static_cast<std::uint32_t>(name.size())});
+    block.append(name);
+}
+
+std::string PathList::item(std::size_t index) const
+{
+    if (index < 1 || index > m_entries.size())
+        throw RuntimeError(error_number::kSubscript, std::to_string(index));
+    const Entry& entry = m_entries[index - 1];
+    return std::string(m_folders[entry.folder])
+        .append(m_blocks[entry.block], entry.offset, entry.length);
+}
+
 void walkArchive(FileSystem& fileSystem, std::string_view root,
                  const std::function<void(std::string_view path)>& each)
 {
@@ -290,7 +295,7 @@ void writeReviewFiles(FileSystem& fileSystem, std::string_view appPath, std::str
     writer.close();
 }
 
-void RecursiveCallForSubFolders(const ReviewContext& context, ReviewState& state,
+void RecursiveCallForSubFolders(const CatalogContext& context, ReviewState& state,
                                 std::string_view folder)
 {
     constexpr std::string_view kName = "RecursiveCallForSubFolders";
@@ -301,19 +306,19 @@ void RecursiveCallForSubFolders(const ReviewContext& context, ReviewState& state
         };
         steps.meetOtherData = [&] { state.bOtherDataExists = true; };
         steps.each = [&](const std::string& path) { state.clxnArchiveFiles.add(path); };
-        steps.yield = [&] { context.messageLoop.yield(); };
+        steps.yield = [&] { context.loop.step(); };
         walkLevel(context.fileSystem, state.sStoreRoot, folder, steps);
     });
 }
 
-void WritingFileFromClxn(const ReviewContext& context, ReviewState& state, std::string_view root)
+void WritingFileFromClxn(const CatalogContext& context, ReviewState& state, std::string_view root)
 {
     constexpr std::string_view kName = "WritingFileFromClxn";
     trace::runTraced(context.trace, kName, kModule, kName, [&] {
         LineWriter writer(context.fileSystem, reviewFilesPath(context.appPath));
         try {
             for (std::size_t i = 1; i <= state.clxnArchiveFiles.count(); ++i) {
-                context.messageLoop.yield();
+                context.loop.step();
                 const auto line = catalogLine(root, state.clxnArchiveFiles.item(i));
                 if (!line)
                     continue;

@@ -1,13 +1,17 @@
 #pragma once
 
+#include "archive/paced_loop.h"
 #include "base/keyed_collection.h"
 #include "platform/machine.h"
 #include "trace/error_tail.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The catalog of an archive is its folder tree and its file names; nothing else lists what it
 // holds. A catalog line stands for one archive file:
@@ -50,15 +54,60 @@ struct CatalogLine {
 };
 CatalogLine parseCatalogLine(std::string_view line);
 
-// `<application folder>\Data\ReviewFiles.txt`.
+// `<application folder>\Data\ReviewFiles.txt`, and `model.txt` in the application folder.
 std::string reviewFilesPath(std::string_view appPath);
+std::string modelPath(std::string_view appPath);
 
-// What the walk of an archive leaves for the review. Lives as long as the review is open.
+// `<destination>\<stem>\`, with one backslash behind a destination that is a drive's root. The stem
+// is the profile's file name without its last four bytes, its extension. Empty where either is.
+std::string archiveRoot(std::string_view destination, std::string_view profileFileName);
+
+// Full paths in the order in which they came. A folder is kept once for all of its files that
+// follow one another: an archive has a million of them.
+class PathList {
+public:
+    void add(std::string_view path);
+    std::size_t count() const noexcept { return m_entries.size(); }
+    // From 1. Raises 9 for an index out of range.
+    std::string item(std::size_t index) const;
+    void clear() { *this = {}; }
+
+private:
+    struct Entry {
+        std::uint32_t folder = 0;
+        std::uint32_t block = 0;
+        std::uint32_t offset = 0;
+        std::uint32_t length = 0;
+    };
+
+    std::vector<std::string> m_folders; // with their backslash
+    std::vector<std::string> m_blocks;  // names without anything between them
+    std::vector<Entry> m_entries;
+};
+
+// What a review keeps beside what is on show. Lives as long as the review is open; collections of
+// paths follow the file system's rule.
 struct ReviewState {
-    std::string sStoreRoot; // the archive root with its backslash; set before the walk
-    base::TextCollection clxnArchiveFiles; // full paths in the order of the walk, without keys
+    explicit ReviewState(base::KeyRule pathRule = base::KeyRule::Exact)
+        : clxnChildren(pathRule), clxnChildKeys(pathRule), clxnDeleted(pathRule)
+    {
+    }
+
+    std::string sStoreRoot;    // the archive root with its backslash; set before the walk
+    PathList clxnArchiveFiles; // in the order of the walk; empty again when the catalog is written
     bool bOtherDataExists = false;
     bool bFilesExist = false;
+
+    bool bTopLevel = false; // the rows being added are groups
+    // The children of the row being opened: a folder's name, keyed by itself, or a file's with `?`
+    // behind it, and `|` in front of that where the name has no dot. And the row's key of each.
+    base::TextCollection clxnChildren;
+    base::TextCollection clxnChildKeys;
+
+    // The catalog line of each row that was deleted since the review was opened, keyed by itself;
+    // a folder's is the start that its lines had in common.
+    base::TextCollection clxnDeleted;
+    bool bDeleteDone = false; // a deletion was asked for: opening a row looks into clxnDeleted
 };
 
 // The walk of an archive for callers that show no dialog; errors are raised. `each` is given every
@@ -71,24 +120,24 @@ void walkArchive(platform::FileSystem& fileSystem, std::string_view root,
 void writeReviewFiles(platform::FileSystem& fileSystem, std::string_view appPath,
                       std::string_view root);
 
-// What the procedures of the review need; holds references only.
-struct ReviewContext {
+// What the walk that reports its errors needs; holds references only.
+struct CatalogContext {
     platform::FileSystem& fileSystem;
-    platform::MessageLoop& messageLoop;
+    PacedLoop& loop;
     trace::TraceContext& trace;
     std::string_view appPath; // the application folder, no backslash at its end
 };
 
 // Adds every file below `folder` (no backslash at its end): in each folder first what is in its
 // subfolders, then its own files, both in the folder's order. `OtherData` right below the archive
-// root is not entered and sets bOtherDataExists. Yields for each item. Links to folders are not
-// followed. Errors end in the tail, and what was found until then stays.
-void RecursiveCallForSubFolders(const ReviewContext& context, ReviewState& state,
+// root is not entered and sets bOtherDataExists. Each item is a step of the loop. Links to folders
+// are not followed. Errors end in the tail, and what was found until then stays.
+void RecursiveCallForSubFolders(const CatalogContext& context, ReviewState& state,
                                 std::string_view folder);
 
 // Writes the catalog lines of clxnArchiveFiles anew to Data\ReviewFiles.txt and sets bFilesExist
-// with the first line. Yields for each item. A malformed name ends it in the tail (5); the lines in
-// front of it stay in the file.
-void WritingFileFromClxn(const ReviewContext& context, ReviewState& state, std::string_view root);
+// with the first line. Each item is a step of the loop. A malformed name ends it in the tail (5);
+// the lines in front of it stay in the file.
+void WritingFileFromClxn(const CatalogContext& context, ReviewState& state, std::string_view root);
 
 } // namespace vardelin::archive

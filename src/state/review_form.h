@@ -18,7 +18,8 @@ struct ReviewRow {
     std::string key;  // `C:\work\` of a folder, `C:\work\report.doc_007` of a file's version
     std::string size; // "Size" and "Created On" of a file row's archive file; empty without one
     std::string createdOn;
-    std::uint16_t level = 0; // of indentation
+    std::uint64_t sizeBytes = 0; // of the archive file; what `size` says in KB
+    std::uint16_t level = 0;     // of indentation
     RowButton button = RowButton::None;
     bool file = false; // a version of a file
     bool selected = false;
@@ -44,6 +45,9 @@ struct frmVDStorage {
 
     bool enabled = true; // the pop-up menu's commands
     bool hourglass = false;
+    // Rows are being made or deleted. Paint and input go on meanwhile: clicks on rows come back at
+    // once, and the view refuses to close until it is over.
+    bool busy = false;
     bool loaded = false;
     bool visible = false;
 };

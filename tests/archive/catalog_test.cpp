@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -167,7 +168,8 @@ struct Review {
     platform::CallScript script; // of the calls that reach the disk through `files`
     platform::ScriptedFileSystem files{rig.disk, script};
     platform::CountingMessageLoop loop;
-    ReviewContext context{files, loop, rig.context, "C:\\App"};
+    PacedLoop paced{loop, rig.clock};
+    CatalogContext context{files, paced, rig.context, "C:\\App"};
     ReviewState state;
 
     Review()
@@ -185,7 +187,13 @@ struct Review {
     }
     void walk() { RecursiveCallForSubFolders(context, state, "D:\\Backup\\Work"); }
     void write() { WritingFileFromClxn(context, state, kRoot); }
-    std::vector<std::string> found() const { return state.clxnArchiveFiles.items(); }
+    std::vector<std::string> found() const
+    {
+        std::vector<std::string> paths;
+        for (std::size_t i = 1; i <= state.clxnArchiveFiles.count(); ++i)
+            paths.push_back(state.clxnArchiveFiles.item(i));
+        return paths;
+    }
     std::string listing() { return rig.disk.readAll("C:\\App\\Data\\ReviewFiles.txt"); }
 };
 
@@ -223,16 +231,60 @@ TEST(ArchiveWalk, SeesOtherDataInAnyCaseAndDoesNotEnterIt)
     EXPECT_THAT(review.found(), ElementsAre(pathOf("C\\OtherData\\b_FULL_1")));
 }
 
-TEST(ArchiveWalk, YieldsForEachItem)
+// A yield for each of a million names would take longer than the names do.
+TEST(ArchiveWalk, YieldsWhereFiftyMillisecondsHavePassed)
 {
     Review review;
     review.put("C\\a_FULL_1");
     review.put("C\\b_FULL_1");
-    review.walk();
-    EXPECT_EQ(review.loop.yields, 3U); // one folder and two files
+    review.put("C\\c_FULL_1");
+    review.walk(); // the clock stands still
+    EXPECT_EQ(review.loop.yields, 0U);
 
+    // Each look at the clock comes 25 ms behind the last one; one comes behind a yield, too.
+    review.rig.clock.script().onCallsNamed("clock.steady", [&](const platform::CallScript::Call&) {
+        review.rig.clock.advance(std::chrono::milliseconds(25));
+    });
+    review.walk(); // one folder and three files
+    EXPECT_EQ(review.loop.yields, 2U);
+    review.state.clxnArchiveFiles.clear();
+    review.walk();
+    EXPECT_EQ(review.loop.yields, 4U);
     review.write();
-    EXPECT_EQ(review.loop.yields, 5U);
+    EXPECT_EQ(review.loop.yields, 5U); // three lines
+}
+
+TEST(PathList, GivesBackWhatWasAdded)
+{
+    PathList list;
+    const std::vector<std::string> paths{"D:\\a\\1",
+                                         "D:\\a\\2",
+                                         "D:\\b\\1",
+                                         "D:\\a\\3",
+                                         "no folder",
+                                         "D:\\a\\",
+                                         std::string(3'000'000, 'x')};
+    for (const std::string& path : paths)
+        list.add(path);
+
+    ASSERT_EQ(list.count(), paths.size());
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        EXPECT_EQ(list.item(i + 1), paths[i]);
+    EXPECT_THROW(list.item(0), RuntimeError);
+    EXPECT_THROW(list.item(paths.size() + 1), RuntimeError);
+    list.clear();
+    EXPECT_EQ(list.count(), 0U);
+}
+
+TEST(ArchiveRoot, IsTheProfilesFolderBelowTheDestination)
+{
+    EXPECT_EQ(archiveRoot("D:\\store", "Work.vdp"), "D:\\store\\Work\\");
+    EXPECT_EQ(archiveRoot("D:\\", "Work.vdp"), "D:\\Work\\");
+    EXPECT_EQ(archiveRoot("D:\\store", "my.backup.vdp"), "D:\\store\\my.backup\\");
+    // Anything else would be the destination itself, and what is deleted would be all of it.
+    for (const std::string_view name : {"", ".vdp", "vdp"})
+        EXPECT_EQ(archiveRoot("D:\\store", name), "") << name;
+    EXPECT_EQ(archiveRoot("", "Work.vdp"), "");
 }
 
 TEST(ArchiveWalk, TracesOneEntryForAllItsLevels)

@@ -1,0 +1,218 @@
+#include "archive/listed_folder.h"
+
+#include "archive/entry_names.h"
+#include "base/text.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vardelin::archive {
+namespace {
+
+using platform::FileKind;
+using platform::FolderEntry;
+
+constexpr std::string_view kFull = "FULL";
+constexpr std::string_view kVersion = "VER";
+constexpr std::size_t kTagDigits = 3; // no tag asks for a number with more
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// What no person put there and nobody misses.
+bool isTemporary(std::string_view name)
+{
+    return isTemporaryName(name) ||
+           (base::startsWithIgnoringCase(name, "~vd") && base::endsWithIgnoringCase(name, ".tmp"));
+}
+
+bool isOwn(std::string_view name)
+{
+    return isTemporary(name) || parseFolderRecordName(name).has_value();
+}
+
+// `FULL`, or `VER` and as many digits as are noted of every name.
+bool isPlainMark(std::string_view mark)
+{
+    if (mark == kFull)
+        return true;
+    if (!mark.starts_with(kVersion))
+        return false;
+    const std::string_view digits = mark.substr(kVersion.size());
+    return !digits.empty() && digits.size() <= kTagDigits &&
+           std::all_of(digits.begin(), digits.end(), isDigit);
+}
+
+bool lessBackwards(std::string_view a, std::string_view b)
+{
+    return std::lexicographical_compare(a.rbegin(), a.rend(), b.rbegin(), b.rend());
+}
+
+} // namespace
+
+std::string markOfTag(std::string_view tag)
+{
+    if (tag == "000")
+        return "FULL";
+    return "Ver" + base::numberText(base::val(tag));
+}
+
+ListedFolder::ListedFolder(platform::FileSystem& fileSystem, std::string_view path)
+    : m_fileSystem(fileSystem), m_folder(fileSystem.openFolder(path))
+{
+    std::vector<FolderEntry> entries = m_folder->list();
+    const auto isFolder = [](const FolderEntry& entry) { return entry.kind == FileKind::Folder; };
+    const auto files = std::partition(entries.begin(), entries.end(), isFolder);
+    m_subfolders = files != entries.begin();
+    entries.erase(entries.begin(), files);
+    std::sort(entries.begin(), entries.end(), [](const FolderEntry& a, const FolderEntry& b) {
+        return base::naturalLess(a.name, b.name);
+    });
+    m_files.reserve(entries.size());
+    for (const FolderEntry& entry : entries) {
+        m_files.push_back({m_names.size(), entry.name.size(), false});
+        m_names += entry.name;
+    }
+    m_upperNames = base::upperAscii(m_names);
+    for (std::size_t file = 0; file < m_files.size(); ++file)
+        noteMarks(file);
+}
+
+std::string_view ListedFolder::name(std::size_t file) const
+{
+    return std::string_view(m_names).substr(m_files[file].at, m_files[file].length);
+}
+
+std::string_view ListedFolder::upperName(std::size_t file) const
+{
+    return std::string_view(m_upperNames).substr(m_files[file].at, m_files[file].length);
+}
+
+void ListedFolder::noteMarks(std::size_t file)
+{
+    const std::string_view text = upperName(file);
+    const auto note = [&](std::string_view mark, std::size_t at) {
+        m_places[std::string(mark)].push_back(
+            {static_cast<std::uint32_t>(file), static_cast<std::uint32_t>(at)});
+    };
+    for (std::size_t at = text.find(kFull); at != text.npos; at = text.find(kFull, at + 1))
+        note(kFull, at);
+    for (std::size_t at = text.find(kVersion); at != text.npos; at = text.find(kVersion, at + 1)) {
+        for (std::size_t digits = 1; digits <= kTagDigits; ++digits) {
+            const std::size_t end = at + kVersion.size() + digits;
+            if (end > text.size() || !isDigit(text[end - 1]))
+                break;
+            note(text.substr(at, end - at), at);
+        }
+    }
+}
+
+const std::vector<ListedFolder::Place>* ListedFolder::placesOf(const std::string& upperMark) const
+{
+    const auto hit = m_places.find(upperMark);
+    return hit == m_places.end() ? nullptr : &hit->second;
+}
+
+const std::vector<ListedFolder::Place>& ListedFolder::byHead(const std::string& upperMark) const
+{
+    const auto [hit, isNew] = m_byHead.try_emplace(upperMark);
+    if (isNew) {
+        if (const auto* places = placesOf(upperMark))
+            hit->second = *places;
+        std::sort(hit->second.begin(), hit->second.end(), [&](const Place& a, const Place& b) {
+            return lessBackwards(upperName(a.file).substr(0, a.at),
+                                 upperName(b.file).substr(0, b.at));
+        });
+    }
+    return hit->second;
+}
+
+std::optional<std::size_t> ListedFolder::firstOfCopy(std::string_view head,
+                                                     std::string_view mark) const
+{
+    const std::string upperMark = base::upperAscii(mark);
+    const std::string front = base::upperAscii(head) + "_";
+    std::optional<std::size_t> first;
+    const auto take = [&](std::size_t file) {
+        if (!m_files[file].gone && (!first || file < *first))
+            first = file;
+    };
+    if (!isPlainMark(upperMark)) {
+        const std::string whole = front + upperMark;
+        for (std::size_t file = 0; file < m_files.size() && !first; ++file) {
+            if (upperName(file).find(whole) != std::string_view::npos)
+                take(file);
+        }
+        return first;
+    }
+    const auto& places = byHead(upperMark);
+    const auto frontOf = [&](const Place& place) {
+        return upperName(place.file).substr(0, place.at);
+    };
+    auto at = std::lower_bound(places.begin(), places.end(), std::string_view(front),
+                               [&](const Place& place, std::string_view text) {
+                                   return lessBackwards(frontOf(place), text);
+                               });
+    for (; at != places.end() && frontOf(*at).ends_with(front); ++at)
+        take(at->file);
+    return first;
+}
+
+std::optional<std::size_t> ListedFolder::firstHolding(std::string_view base,
+                                                      std::string_view mark) const
+{
+    const std::string upperMark = base::upperAscii(mark);
+    const std::string upperBase = base::upperAscii(base);
+    const auto holds = [&](std::size_t file, std::string_view part) {
+        return upperName(file).find(part) != std::string_view::npos;
+    };
+    if (!isPlainMark(upperMark)) {
+        for (std::size_t file = 0; file < m_files.size(); ++file) {
+            if (!m_files[file].gone && holds(file, upperBase) && holds(file, upperMark))
+                return file;
+        }
+        return std::nullopt;
+    }
+    if (const auto* places = placesOf(upperMark)) {
+        for (const Place& place : *places) {
+            if (!m_files[place.file].gone && holds(place.file, upperBase))
+                return place.file;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<platform::FileInfo> ListedFolder::info(std::size_t file) const
+{
+    auto info = m_folder->find(name(file));
+    if (info && info->kind == FileKind::SymbolicLink)
+        info = m_fileSystem.find(platform::joinPath(m_folder->path(), name(file)));
+    return info;
+}
+
+void ListedFolder::remove(std::size_t file)
+{
+    m_folder->removeFile(name(file));
+    m_files[file].gone = true;
+}
+
+std::size_t ListedFolder::remainingFiles() const
+{
+    std::size_t count = 0;
+    for (std::size_t file = 0; file < m_files.size(); ++file)
+        count += !m_files[file].gone && !isOwn(name(file)) ? 1U : 0U;
+    return count;
+}
+
+void ListedFolder::removeWhole()
+{
+    for (std::size_t file = 0; file < m_files.size(); ++file) {
+        if (!m_files[file].gone && isOwn(name(file)))
+            remove(file);
+    }
+    m_fileSystem.removeFolder(m_folder->path());
+}
+
+} // namespace vardelin::archive
