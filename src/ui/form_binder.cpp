@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QGroupBox>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -153,7 +154,7 @@ void FormBinder::comboBox(QComboBox& widget, state::ComboBox& record, Handler cl
         const QString text = shown(record.text);
         widget.setCurrentIndex(widget.findText(text));
         widget.setPlaceholderText(text);
-        widget.setToolTip(text);
+        widget.setToolTip(plainToolTip(text));
         widget.setEnabled(record.enabled);
         widget.setVisible(record.visible);
     });
@@ -163,6 +164,21 @@ void FormBinder::checkList(QAbstractItemView& widget, state::ListBox& record, QS
                            RowHandler itemCheck)
 {
     list(widget, record, &state::ListRow::checked, std::move(columns), std::move(itemCheck));
+    // Boxes and the selected row are two things here: the row stays selected when it moves.
+    connect(widget.selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this, &record](const QModelIndex& current) {
+                if (m_showing || !current.isValid())
+                    return;
+                for (std::size_t i = 0; i < record.rows.size(); ++i)
+                    record.rows[i].selected = i == static_cast<std::size_t>(current.row());
+            });
+    also([&widget, &record] {
+        for (std::size_t i = 0; i < record.rows.size(); ++i) {
+            const int row = static_cast<int>(i);
+            if (record.rows[i].selected && widget.currentIndex().row() != row)
+                widget.setCurrentIndex(widget.model()->index(row, 0));
+        }
+    });
 }
 
 void FormBinder::selectList(QAbstractItemView& widget, state::ListBox& record, RowHandler itemCheck)
@@ -235,6 +251,8 @@ void FormBinder::frame(QWidget& widget, state::Frame& record)
 
 void FormBinder::label(QLabel& widget, state::Label& record)
 {
+    // A question out of a profile may hold what looks like markup.
+    widget.setTextFormat(Qt::PlainText);
     also([&widget, &record] {
         if (!record.caption.empty())
             widget.setText(shown(record.caption));

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <QObject>
@@ -29,6 +30,19 @@ using RowHandler = std::function<void(std::size_t row)>;
 
 // Gets the code of a typed character and gives what is typed instead; 0 drops it.
 using KeyFilter = std::function<int(int code)>;
+
+// How the handlers of a form are run: the way from the toolkit to the logic, which lets no
+// exception out. Where it is empty they are called as they are.
+using HandlerRun = std::function<void(const char* name, const Handler& body)>;
+
+// Makes a handler that runs `body` in that way.
+struct Through {
+    HandlerRun run;
+    Handler operator()(const char* name, Handler body) const
+    {
+        return [run = run, name, body = std::move(body)] { run ? run(name, body) : body(); };
+    }
+};
 
 struct TextHandlers {
     Handler change{};
@@ -57,7 +71,7 @@ public:
     void textBox(QLineEdit& widget, state::TextBox& record, TextHandlers handlers);
     // A list to pick from; with `editable` text that is not in the list shows, too.
     void comboBox(QComboBox& widget, state::ComboBox& record, Handler click);
-    // Boxes for `checked`.
+    // Boxes for `checked`; the selected row is the one with `selected`.
     void checkList(QAbstractItemView& widget, state::ListBox& record, QStringList columns,
                    RowHandler itemCheck);
     // Boxes for `selected`.

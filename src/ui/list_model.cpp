@@ -5,6 +5,14 @@
 #include <utility>
 
 namespace vardelin::ui {
+namespace {
+
+const std::string& cell(const state::ListRow& row, int column)
+{
+    return column == 0 ? row.text : column == 1 ? row.sub : row.third;
+}
+
+} // namespace
 
 ListModel::ListModel(state::ListBox& list, Tick tick, QStringList columns,
                      std::function<void(std::size_t)> ticked, QObject* parent)
@@ -43,8 +51,9 @@ QVariant ListModel::data(const QModelIndex& index, int role) const
     const state::ListRow& row = m_list.rows[at];
     switch (role) {
     case Qt::DisplayRole:
+        return shown(cell(row, index.column()));
     case Qt::ToolTipRole:
-        return shown(index.column() == 0 ? row.text : row.sub);
+        return plainToolTip(shown(cell(row, index.column())));
     case Qt::CheckStateRole:
         if (index.column() == 0)
             return row.*m_tick ? Qt::Checked : Qt::Unchecked;

@@ -9,8 +9,8 @@
 
 namespace vardelin::ui {
 
-// A state::ListBox as Qt's views take it: a box in each row's first column, the type text in the
-// second where there is one. The record must outlive the model.
+// A state::ListBox as Qt's views take it: a box in each row's first column, the texts of its
+// further ones behind it. The record must outlive the model.
 class ListModel final : public QAbstractTableModel {
     Q_OBJECT
 
@@ -18,8 +18,8 @@ public:
     // What a box stands for: ListRow::checked or ListRow::selected.
     using Tick = bool state::ListRow::*;
 
-    // `columns` are the headings; one or two. `ticked` is called with the row's index when a person
-    // has changed its box, the record already changed.
+    // `columns` are the headings, one to three. `ticked` is called with the row's index when a
+    // person has changed its box, the record already changed.
     ListModel(state::ListBox& list, Tick tick, QStringList columns,
               std::function<void(std::size_t)> ticked, QObject* parent);
 

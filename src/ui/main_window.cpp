@@ -203,6 +203,7 @@ void MainWindow::buildStatusBar()
     for (int i = 0; i < 3; ++i) {
         m_panels[i] = new QLabel;
         m_panels[i]->setObjectName(QStringLiteral("panel%1").arg(i + 1));
+        m_panels[i]->setTextFormat(Qt::PlainText);
         m_panels[i]->setMinimumWidth(1);
         // The bar stands in the second panel.
         if (i == 1)
@@ -222,7 +223,7 @@ void MainWindow::showRecords()
     for (int i = 0; i < 3; ++i) {
         const QString text = shown(panels[i]->text);
         m_panels[i]->setText(elided(text, m_panels[i]->fontMetrics(), m_panels[i]->width()));
-        m_panels[i]->setToolTip(text);
+        m_panels[i]->setToolTip(plainToolTip(text));
     }
     const double share = m_frame.pb.maximum > 0 ? m_frame.pb.value / m_frame.pb.maximum : 0;
     m_progress->setRange(0, kProgressSteps);

@@ -1,6 +1,7 @@
 #include "ui/shown_text.h"
 
 #include <QFontMetrics>
+#include <QTextDocument>
 
 namespace vardelin::ui {
 namespace {
@@ -37,6 +38,13 @@ QString shownLines(std::string_view bytes)
         text += QLatin1Char('\n');
         bytes.remove_prefix(end + 2);
     }
+}
+
+QString plainToolTip(const QString& text)
+{
+    if (!Qt::mightBeRichText(text))
+        return text;
+    return QStringLiteral("<span>") + text.toHtmlEscaped() + QStringLiteral("</span>");
 }
 
 std::string typed(const QString& text)

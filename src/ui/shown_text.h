@@ -17,6 +17,9 @@ QString shown(std::string_view bytes);
 // The same for a text of several lines, which CR LF parts.
 QString shownLines(std::string_view bytes);
 
+// A tool tip that shows a text as it is, where it looks like markup, too.
+QString plainToolTip(const QString& text);
+
 // What a person typed, as UTF-8.
 std::string typed(const QString& text);
 

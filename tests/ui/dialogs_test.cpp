@@ -5,9 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
-
 #include <QApplication>
 #include <QDialog>
 #include <QMessageBox>
@@ -21,16 +18,6 @@ namespace {
 using platform::Answer;
 using platform::Buttons;
 using platform::Icon;
-
-// Does something to the window that shows itself next.
-void whenShown(std::function<void(QDialog&)> action)
-{
-    QTimer::singleShot(0, [action = std::move(action)] {
-        auto* window = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(window, nullptr);
-        action(*window);
-    });
-}
 
 TEST(ErrorForm, ShowsEveryBoxAndAnswersByItsButtons)
 {

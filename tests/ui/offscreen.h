@@ -1,11 +1,19 @@
 #pragma once
 
+#include <functional>
+#include <stdexcept>
 #include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
 
 #include <QAbstractScrollArea>
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QPalette>
+#include <QTest>
+#include <QTimer>
 #include <QWidget>
 
 // What tests of views share; main.cpp runs them in one application without a screen.
@@ -31,6 +39,34 @@ inline QPalette darkPalette()
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x86, 0x8c));
     return palette;
+}
+
+// Does something to the window that shows itself next.
+inline void whenShown(std::function<void(QDialog&)> action)
+{
+    QTimer::singleShot(0, [action = std::move(action)] {
+        auto* window = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(window, nullptr);
+        action(*window);
+    });
+}
+
+// Shows a window and waits until it is laid out and has the focus.
+inline void present(QWidget& window)
+{
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+}
+
+// The control of a name, which must be there.
+template <typename Widget>
+Widget& control(const QWidget& window, const char* name)
+{
+    auto* widget = window.findChild<Widget*>(QLatin1String(name));
+    if (widget == nullptr)
+        throw std::runtime_error(std::string("no control ") + name);
+    return *widget;
 }
 
 // Keeps a picture of a widget under the build folder.

@@ -1,0 +1,79 @@
+#include "ui/open_profile_view.h"
+
+#include "ui/tick_table.h"
+#include "ui/widgets.h"
+
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace vardelin::ui {
+namespace {
+
+constexpr int kLetters = 96;     // the width of the list, in letters
+constexpr int kNameLetters = 30; // of its first column
+constexpr int kDateLetters = 24; // of its last one
+constexpr int kListRows = 16;    // rows of the list that are seen at once
+
+} // namespace
+
+OpenProfileView::OpenProfileView(state::frmOpenProfile& form, OpenProfileHandlers handlers,
+                                 QWidget* parent)
+    : ModalForm("frmOpenProfile", form.caption, form.loaded, parent), m_form(form),
+      m_handlers(std::move(handlers))
+{
+    auto* label = named<QLabel>("Label1");
+    auto* list = named<TickTable>("lstOpen");
+    label->setBuddy(list);
+    m_binder.label(*label, form.Label1);
+    m_binder.checkList(*list, form.lstOpen,
+                       {QStringLiteral("Name of the Profiles"), QStringLiteral("Profile Location"),
+                        QStringLiteral("Created On")},
+                       m_handlers.lstOpen_ItemCheck);
+    list->bindSorting(m_binder, m_handlers.lstOpen_ColumnClick, [this] {
+        return SortedBy{m_form.sorted, m_form.SortKey, m_form.descending};
+    });
+    list->letRowsOpen();
+    connect(list, &TickTable::opened, this, &OpenProfileView::openRow);
+    const int letter = list->fontMetrics().averageCharWidth();
+    list->setMinimumSize(letter * kLetters, list->fontMetrics().lineSpacing() * kListRows);
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(1, QHeaderView::Stretch);
+    list->header()->resizeSection(0, letter * kNameLetters);
+    list->header()->resizeSection(2, letter * kDateLetters);
+
+    auto* open = named<QPushButton>("cmdOpen");
+    auto* close = named<QPushButton>("cmdClose");
+    auto* select = named<QPushButton>("cmdSelProfile");
+    m_binder.button(*open, form.cmdOpen, m_handlers.cmdOpen_Click);
+    m_binder.button(*close, form.cmdClose, m_handlers.cmdClose_Click);
+    m_binder.button(*select, form.cmdSelProfile, m_handlers.cmdSelProfile_Click);
+    auto* layout = lined<QVBoxLayout>(label, list);
+    layout->setStretch(1, 1);
+    setLayout(layout);
+    addButtons(*layout, {open, close}, select);
+    m_binder.show();
+}
+
+void OpenProfileView::openRow(int row)
+{
+    const auto at = static_cast<std::size_t>(row);
+    m_binder.run([&] {
+        if (at >= m_form.lstOpen.rows.size())
+            return;
+        if (!m_form.lstOpen.rows[at].checked) {
+            m_form.lstOpen.rows[at].checked = true;
+            if (m_handlers.lstOpen_ItemCheck)
+                m_handlers.lstOpen_ItemCheck(at);
+        }
+        // The tick comes back where another row has it; that one is not what the person meant.
+        if (m_form.lstOpen.rows[at].checked && m_handlers.cmdOpen_Click)
+            m_handlers.cmdOpen_Click();
+    });
+}
+
+} // namespace vardelin::ui
