@@ -6,6 +6,10 @@ if(TARGET vardelinctl)
     install(TARGETS vardelinctl RUNTIME DESTINATION .)
 endif()
 
+if(TARGET vardelin)
+    install(TARGETS vardelin RUNTIME DESTINATION .)
+endif()
+
 foreach(folder Profiles Data Log/Backup Log/Restore Queue BackupPackages Help)
     install(DIRECTORY DESTINATION ${folder})
 endforeach()

@@ -17,6 +17,8 @@
 #include <QListView>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTimeEdit>
 #include <QTreeView>
@@ -49,6 +51,23 @@ QLineEdit* numberBox(const char* name)
     return box;
 }
 
+// On a small screen with large letters a page is higher than the frame and can be scrolled.
+QScrollArea* scrolling(QWidget* page)
+{
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidget(page);
+    // As wide as the page and a bar beside it.
+    area->setMinimumWidth(page->minimumSizeHint().width() +
+                          area->verticalScrollBar()->sizeHint().width());
+    // The page's own colour, which the frame of a tab may differ from.
+    area->viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
+    return area;
+}
+
 QTimeEdit* timeBox(const char* name)
 {
     auto* box = named<QTimeEdit>(name);
@@ -65,8 +84,8 @@ ProfileForm::ProfileForm(state::ProfileEditorState& record, state::ProfileFormSt
     setObjectName(QStringLiteral("frmProfile"));
     m_tabs = named<QTabWidget>("SSTab1");
     m_tabs->addTab(filesPage(), QStringLiteral("Files And Settings"));
-    m_tabs->addTab(optionsPage(), QStringLiteral("Backup  Options"));
-    m_tabs->addTab(schedulePage(), QStringLiteral("Execute && Retention Options"));
+    m_tabs->addTab(scrolling(optionsPage()), QStringLiteral("Backup  Options"));
+    m_tabs->addTab(scrolling(schedulePage()), QStringLiteral("Execute && Retention Options"));
     connect(m_tabs, &QTabWidget::currentChanged, this, [this](int tab) {
         m_binder.run([&] {
             m_window.SSTab1 = tab;
