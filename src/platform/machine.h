@@ -74,6 +74,9 @@ public:
     virtual std::string computerName() = 0;
     virtual bool isNtPlatform() = 0;          // true on every system of today
     virtual std::string executableName() = 0; // base name, no folder and no extension
+    // The folder of the operating system itself, no backslash at its end. A machine that has none
+    // gives the customary place, where nothing is.
+    virtual std::string windowsFolder() = 0;
     // The long form of a path, empty where it does not exist.
     virtual std::string longPathName(std::string_view path) = 0;
     // The first address of a computer by its name or dotted address; none where it is not known.
@@ -86,6 +89,9 @@ struct ProcessInfo {
     std::string name; // of the program, without a folder
 };
 
+// How a program's first window comes up; of no meaning for one that has no window.
+enum class WindowStyle : std::uint8_t { Normal, MinimizedWithFocus };
+
 class Processes {
 public:
     Processes() = default;
@@ -94,10 +100,10 @@ public:
     virtual ~Processes() = default;
 
     virtual std::vector<ProcessInfo> list() = 0;
-    // Starts and does not wait. `X.exe` is started as `X` where programs have no ending. 53 where
-    // there is no such program.
-    virtual std::int64_t start(std::string_view path,
-                               const std::vector<std::string>& arguments) = 0;
+    // Starts and does not wait; the program outlives this one. `X.exe` is started as `X` where
+    // programs have no ending. 53 where there is no such program.
+    virtual std::int64_t start(std::string_view path, const std::vector<std::string>& arguments,
+                               WindowStyle style = WindowStyle::Normal) = 0;
     virtual bool terminate(std::int64_t id) = 0;
     // Runs a program to its end and gives what it printed; 53 where there is none, 57 where it ends
     // with another code than 0.

@@ -39,12 +39,14 @@ TEST_F(Autostart, WritesAnEntryForEachProgramOfTheRunKeys)
     EXPECT_EQ(entry("vardelin-vdsystray.desktop"), "[Desktop Entry]\n"
                                                    "Type=Application\n"
                                                    "Name=VDSysTray\n"
+                                                   "TryExec=/App/VDSysTray\n"
                                                    "Exec=\"/App/VDSysTray\"\n"
                                                    "Terminal=false\n");
     EXPECT_EQ(entry("vardelin-vardelin.desktop"),
               "[Desktop Entry]\n"
               "Type=Application\n"
               "Name=Vardelin\n"
+              "TryExec=/mnt/d/My App/Vardelin\n"
               "Exec=\"/mnt/d/My App/Vardelin\" \"--quiet\" \"50%%\"\n"
               "Terminal=false\n");
 }
@@ -84,6 +86,7 @@ TEST_F(Autostart, LetsNoNameOrPathBreakOutOfItsLineOrFolder)
     EXPECT_EQ(entry("vardelin-.._x_exec_evil.desktop"), "[Desktop Entry]\n"
                                                         "Type=Application\n"
                                                         "Name=../x\\nExec=evil\n"
+                                                        "TryExec=/App/$HOME`x`\n"
                                                         "Exec=\"/App/\\\\$HOME\\\\`x\\\\`\"\n"
                                                         "Terminal=false\n");
 }

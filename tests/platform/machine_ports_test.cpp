@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <sstream>
@@ -214,16 +215,29 @@ TEST(LinuxProcesses, StartsListsAndTerminates)
         return std::string();
     };
     EXPECT_NE(isListed(::getpid()), "");
-    const std::int64_t id = processes.start("C:\\bin\\sleep.exe", {"60"});
+    const std::int64_t id = processes.start("C:\\bin\\sleep.exe", {"60"}, WindowStyle::Normal);
     EXPECT_THAT(isListed(id), testing::AnyOf("sleep", "coreutils", "busybox"));
     EXPECT_TRUE(processes.terminate(id));
     for (int i = 0; i < 200 && !isListed(id).empty(); ++i)
         ::usleep(10'000);
     EXPECT_EQ(isListed(id), "");
-    EXPECT_THROW(processes.start("C:\\no\\such.exe", {}), base::RuntimeError);
+    EXPECT_THROW(processes.start("C:\\no\\such.exe", {}, WindowStyle::Normal), base::RuntimeError);
     // Numbers that name groups of processes, or everything that there is.
     for (const std::int64_t group : {0, -1, 1, -2})
         EXPECT_FALSE(processes.terminate(group));
+}
+
+// The starter runs for weeks; what it started and what has ended must not stay in the system's
+// table until the port is used again.
+TEST(LinuxProcesses, LeaveNothingOfAProgramThatEnded)
+{
+    MemoryFileSystem fileSystem;
+    LinuxProcesses processes(fileSystem);
+    const std::int64_t id = processes.start("C:\\bin\\true.exe", {}, WindowStyle::Normal);
+    const auto isThere = [&] { return ::kill(static_cast<pid_t>(id), 0) == 0; };
+    for (int i = 0; i < 500 && isThere(); ++i)
+        ::usleep(10'000);
+    EXPECT_FALSE(isThere());
 }
 
 TEST(LinuxMachineFacts, TellWhoAndWhereThisProgramIs)

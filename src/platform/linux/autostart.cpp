@@ -43,8 +43,10 @@ std::string execWord(std::string_view word)
     return quoted + '"';
 }
 
-// The program in the machine's own form and what stands behind it; none where no drive reaches it.
-std::optional<std::string> execLine(std::string_view command, const FileSystem& fileSystem)
+// The keys that start a program: TryExec names it, so that a desktop passes over one that is not
+// there ("Desktop Application Autostart Specification"), and Exec has what stands behind it, too.
+// None where no drive reaches the program.
+std::optional<std::string> execLines(std::string_view command, const FileSystem& fileSystem)
 {
     std::string_view program = base::trim(command);
     std::string_view rest;
@@ -54,17 +56,18 @@ std::optional<std::string> execLine(std::string_view command, const FileSystem& 
     }
     if (base::endsWithIgnoringCase(program, ".exe"))
         program.remove_suffix(4);
-    std::string line;
+    std::string native;
     try {
-        line = execWord(fileSystem.toNative(program));
+        native = fileSystem.toNative(program);
     } catch (const base::RuntimeError&) {
         return std::nullopt; // a drive that is not there now: nothing could be started
     }
+    std::string line = execWord(native);
     for (std::string_view word : base::split(rest, " ")) {
         if (!word.empty())
             line += " " + execWord(word);
     }
-    return line;
+    return "TryExec=" + lineText(native) + "\nExec=" + lineText(line) + "\n";
 }
 
 // A value's name as a file's: bytes that a path or a shell would take otherwise become `_`.
@@ -119,10 +122,10 @@ void mirrorRunKey(Registry& registry, const FileSystem& fileSystem, const std::s
         for (const RegistryValue& value : registry.values(root, kRunKey)) {
             if (value.name.empty() || value.type != RegistryType::String)
                 continue;
-            if (const auto exec = execLine(value.data, fileSystem))
+            if (const auto exec = execLines(value.data, fileSystem))
                 wanted[fileName(value.name)] =
-                    "[Desktop Entry]\nType=Application\nName=" + lineText(value.name) +
-                    "\nExec=" + lineText(*exec) + "\nTerminal=false\n";
+                    "[Desktop Entry]\nType=Application\nName=" + lineText(value.name) + "\n" +
+                    *exec + "Terminal=false\n";
         }
     }
     const std::string folder = configFolder + "/autostart";

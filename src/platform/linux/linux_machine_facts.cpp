@@ -66,6 +66,11 @@ std::string LinuxMachineFacts::executableName()
     return name;
 }
 
+std::string LinuxMachineFacts::windowsFolder()
+{
+    return "C:\\Windows";
+}
+
 std::string LinuxMachineFacts::longPathName(std::string_view path)
 {
     return m_fileSystem.find(path) ? std::string(path) : std::string();

@@ -16,6 +16,7 @@ public:
     // Only an ending `.exe` counts as an extension: programs here have none, and a dot in a name is
     // part of the name.
     std::string executableName() override;
+    std::string windowsFolder() override;
     // No path has a short form here, so a path that exists is its own long form.
     std::string longPathName(std::string_view path) override;
     std::optional<HostAddress> hostAddress(std::string_view name) override;

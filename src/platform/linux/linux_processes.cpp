@@ -16,6 +16,8 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace vardelin::platform {
@@ -159,6 +161,25 @@ std::string programName(const std::string& folder)
     return name;
 }
 
+// A program that ends is waited for at once, by a thread that does nothing else: the starter may
+// run for weeks, and until then the ended one would stay in the system's table. Where there can be
+// no thread, it stays until this process ends.
+void awaitEnd(pid_t id)
+{
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before); // signals are the starter's own business
+    try {
+        std::thread([id] {
+            while (::waitpid(id, nullptr, 0) < 0 && errno == EINTR) {
+            }
+        }).detach();
+    } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch): said above
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
 // The letter behind the name in brackets, which may hold anything itself.
 bool isEnded(const std::string& folder)
 {
@@ -171,14 +192,8 @@ bool isEnded(const std::string& folder)
 
 LinuxProcesses::LinuxProcesses(FileSystem& fileSystem) : m_fileSystem(fileSystem) {}
 
-LinuxProcesses::~LinuxProcesses()
-{
-    reapEnded();
-}
-
 std::vector<ProcessInfo> LinuxProcesses::list()
 {
-    reapEnded();
     std::vector<ProcessInfo> result;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator("/proc", error)) {
@@ -195,9 +210,9 @@ std::vector<ProcessInfo> LinuxProcesses::list()
     return result;
 }
 
-std::int64_t LinuxProcesses::start(std::string_view path, const std::vector<std::string>& arguments)
+std::int64_t LinuxProcesses::start(std::string_view path, const std::vector<std::string>& arguments,
+                                   WindowStyle /*style*/)
 {
-    reapEnded();
     const std::string program = nativeProgram(path);
     SpawnSetup setup(POSIX_SPAWN_SETSID);
     // Left open, a caller's pipe would never reach its end while the program runs.
@@ -205,8 +220,7 @@ std::int64_t LinuxProcesses::start(std::string_view path, const std::vector<std:
     setup.openNull(STDOUT_FILENO);
     setup.openNull(STDERR_FILENO);
     const pid_t id = setup.spawn(program, arguments);
-    const std::lock_guard lock(m_mutex);
-    m_started.push_back(id);
+    awaitEnd(id);
     return id;
 }
 
@@ -215,9 +229,7 @@ bool LinuxProcesses::terminate(std::int64_t id)
     // 0 and the negative numbers name groups of processes, 1 the machine's first one.
     if (id <= 1 || id > INT_MAX)
         return false;
-    const bool sent = ::kill(static_cast<pid_t>(id), SIGKILL) == 0;
-    reapEnded();
-    return sent;
+    return ::kill(static_cast<pid_t>(id), SIGKILL) == 0;
 }
 
 std::string LinuxProcesses::run(const std::vector<std::string>& command)
@@ -259,12 +271,6 @@ std::string LinuxProcesses::nativeProgram(std::string_view path) const
     if (path.find('\\') == std::string_view::npos)
         return std::string(path);
     return m_fileSystem.toNative(path);
-}
-
-void LinuxProcesses::reapEnded()
-{
-    const std::lock_guard lock(m_mutex);
-    std::erase_if(m_started, [](int id) { return ::waitpid(id, nullptr, WNOHANG) != 0; });
 }
 
 } // namespace vardelin::platform

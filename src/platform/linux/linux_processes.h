@@ -2,7 +2,6 @@
 
 #include "platform/machine.h"
 
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -14,13 +13,14 @@ namespace vardelin::platform {
 class LinuxProcesses final : public Processes {
 public:
     explicit LinuxProcesses(FileSystem& fileSystem);
-    ~LinuxProcesses() override;
 
     // Programs that have ended but were not waited for are left out.
     std::vector<ProcessInfo> list() override;
-    // The program gets a session of its own and no terminal, so that it outlives this one. 70 where
-    // it may not be run.
-    std::int64_t start(std::string_view path, const std::vector<std::string>& arguments) override;
+    // The program gets a session of its own and no terminal, so that it outlives this one; when it
+    // ends first, nothing is left of it. Programs here have no window style. 70 where it may not be
+    // run.
+    std::int64_t start(std::string_view path, const std::vector<std::string>& arguments,
+                       WindowStyle style) override;
     // At once and by force; false where there is none or rights are missing.
     bool terminate(std::int64_t id) override;
     // The standard output; on failure the reason is what stands on the standard error stream.
@@ -28,11 +28,8 @@ public:
 
 private:
     std::string nativeProgram(std::string_view path) const;
-    void reapEnded();
 
     FileSystem& m_fileSystem;
-    std::mutex m_mutex;
-    std::vector<int> m_started; // children not waited for yet; guarded by m_mutex
 };
 
 } // namespace vardelin::platform

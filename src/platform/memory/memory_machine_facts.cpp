@@ -26,6 +26,12 @@ std::string MemoryMachineFacts::executableName()
     return executable;
 }
 
+std::string MemoryMachineFacts::windowsFolder()
+{
+    script().enter("facts.windowsFolder", {});
+    return windows;
+}
+
 std::string MemoryMachineFacts::longPathName(std::string_view path)
 {
     script().enter("facts.longPathName", path);

@@ -14,6 +14,7 @@ public:
     std::string computer = "STUDY";
     bool nt = true;
     std::string executable = "Vardelin";
+    std::string windows = "C:\\WINDOWS";
     std::map<std::string, std::string> longNames; // long form by path; others are missing
     std::map<std::string, HostAddress> hosts;     // by exact name; others are not known
 
@@ -21,6 +22,7 @@ public:
     std::string computerName() override;
     bool isNtPlatform() override;
     std::string executableName() override;
+    std::string windowsFolder() override;
     std::string longPathName(std::string_view path) override;
     std::optional<HostAddress> hostAddress(std::string_view name) override;
 };

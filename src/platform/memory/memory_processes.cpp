@@ -12,12 +12,12 @@ std::vector<ProcessInfo> MemoryProcesses::list()
 }
 
 std::int64_t MemoryProcesses::start(std::string_view path,
-                                    const std::vector<std::string>& arguments)
+                                    const std::vector<std::string>& arguments, WindowStyle style)
 {
     script().enter("processes.start", path);
     if (missing.contains(std::string(path)))
         throw base::RuntimeError(base::error_number::kFileNotFound, std::string(path));
-    started.push_back({std::string(path), arguments});
+    started.push_back({std::string(path), arguments, style});
     running.push_back({m_nextId, std::string(base::afterLast(path, "\\"))});
     return m_nextId++;
 }

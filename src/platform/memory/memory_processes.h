@@ -14,6 +14,7 @@ public:
     struct Started {
         std::string path; // as it was given
         std::vector<std::string> arguments;
+        WindowStyle style = WindowStyle::Normal;
         friend bool operator==(const Started&, const Started&) = default;
     };
     std::vector<ProcessInfo> running;
@@ -23,7 +24,8 @@ public:
         outputs; // what run() prints, by the words with a blank between
 
     std::vector<ProcessInfo> list() override;
-    std::int64_t start(std::string_view path, const std::vector<std::string>& arguments) override;
+    std::int64_t start(std::string_view path, const std::vector<std::string>& arguments,
+                       WindowStyle style) override;
     bool terminate(std::int64_t id) override;
     std::string run(const std::vector<std::string>& command) override;
 
