@@ -9,6 +9,8 @@ endif()
 if(TARGET vardelin)
     install(TARGETS vardelin RUNTIME DESTINATION .)
 endif()
+# The window starts them by the application folder that it finds itself in.
+install(TARGETS VDFileMon VDIdleMon VDScheduleMon RUNTIME DESTINATION .)
 
 foreach(folder Profiles Data Log/Backup Log/Restore Queue BackupPackages Help)
     install(DIRECTORY DESTINATION ${folder})

@@ -21,6 +21,9 @@ for folder in Profiles Data Log/Backup Log/Restore Queue BackupPackages Help; do
 done
 [ -x "$app/vardelinctl" ] || fail "no program in the root"
 [ ! -x "$build/src/app/vardelin" ] || [ -x "$app/vardelin" ] || fail "no window in the root"
+for monitor in VDFileMon VDIdleMon VDScheduleMon; do
+    [ -x "$app/$monitor" ] || fail "no $monitor beside the program"
+done
 [ -f "$app/Data/Other_Dsk.txt" ] || fail "no list of recent profiles"
 [ ! -s "$app/Data/Other_Dsk.txt" ] || fail "the list of recent profiles is not empty"
 [ -s "$app/share/man/man1/vardelinctl.1" ] || fail "no manual page"
