@@ -51,6 +51,7 @@ void switchOn(PagesContext& context)
         context.window.setFocus("txtPassWord");
     if (!frame.BL_Recent_Found || frame.BL_New_Mode || frame.BL_Edit_Mode)
         context.editor.Frame14.enabled = true;
+    context.editor.Frame14.visible = true; // a save has hidden it
 }
 
 void stayOn(PagesContext& context)
