@@ -57,12 +57,18 @@ void lstOpen_ColumnClick(OpeningContext& context, std::size_t column);
 // Opens the ticked row, or the file that the person chooses. A profile opens for viewing:
 // BL_Open_Mode, with bProfileOpened set and the form unloaded. The commands of the main frame are
 // the caller's to set.
+//
+// A file that is gone, cannot be read or is no profile is told, and leaves the editor, the names
+// and the modes as they were, the form loaded for another choice. bDecryptFileMissing tells of the
+// newest attempt. While one of the three handlers runs, another one that comes in through the
+// message loop does nothing.
 void cmdOpen_Click(OpeningContext& context);
 void cmdSelProfile_Click(OpeningContext& context);
 void cmdClose_Click(OpeningContext& context);
 
 // Opens the profile at `path`; one from `outside` is copied into `Profiles` first, where a local
-// one of its name makes way (stashPath).
+// one of its name makes way (stashPath) and BL_Local_Stashed tells of it. Where the copying fails,
+// the local one is in its place again and opens, and the error is told behind it.
 void PrCopyFromDest(OpeningContext& context, std::string_view path, bool outside);
 
 // Where a local profile waits while one of its name from backup media stands in its place.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "base/dates.h"
 #include "state/controls.h"
 
 #include <string>
+#include <vector>
 
 namespace vardelin::state {
 
@@ -16,9 +18,14 @@ struct frmOpenProfile {
     Button cmdClose{.caption = "&Close"};
     Button cmdSelProfile{.caption = "&Select Profile..."};
 
+    // When the file of each row was made, by which the last column sorts; row by row beside
+    // lstOpen.
+    std::vector<base::DateTime> created;
+
     int SortKey = 0; // column, from 0, that the rows were sorted by last
     bool sorted = false;
     bool descending = false;
+    bool commandRunning = false; // a button's handler is at work; another one that comes in returns
     bool loaded = true;
 };
 
