@@ -103,10 +103,9 @@ ProfileForm::ProfileForm(state::ProfileEditorState& record, state::ProfileFormSt
 QWidget* ProfileForm::filesPage()
 {
     auto* page = new QWidget;
-    m_tree = named<QTreeView>("tvwDirectory");
-    m_tree->setHeaderHidden(true);
-    m_tree->setUniformRowHeights(true);
-    m_tree->setAccessibleName(tr("Drives, folders and files"));
+    m_tree = new SourceTreeView(m_record, std::move(m_handlers.tree),
+                                [this](const Handler& handler) { m_binder.run(handler); });
+    m_binder.also([this] { m_tree->showRecord(); });
 
     auto* include = named<QGroupBox>("fmeInclude", "Include File(s) by File extensions");
     auto* extensions = named<QTreeView>("lstInclude");

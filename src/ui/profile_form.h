@@ -3,19 +3,20 @@
 #include "state/profile_editor_state.h"
 #include "state/profile_form.h"
 #include "ui/form_binder.h"
+#include "ui/source_tree_view.h"
 
 #include <QWidget>
 
 class QGridLayout;
 class QLabel;
 class QTabWidget;
-class QTreeView;
 class QVBoxLayout;
 
 namespace vardelin::ui {
 
 // What the editor's logic does about its controls, under the names of the handlers.
 struct ProfileFormHandlers {
+    SourceTreeHandlers tree;
     Handler cmdExclude_Click;
     Handler cmdExclInclByNames_Click;
     RowHandler lstInclude_ItemCheck;
@@ -74,8 +75,10 @@ public:
     // Shows the records as they stand.
     void showRecords() { m_binder.show(); }
 
-    // The tree's place on the first page; the model comes from whoever builds the tree.
-    QTreeView& tree() { return *m_tree; }
+    // For whoever lets waiting events run while a command works on the tree.
+    void showReading() { m_tree->showReading(); }
+
+    SourceTreeView& tree() { return *m_tree; }
 
 private:
     QWidget* filesPage();
@@ -94,7 +97,7 @@ private:
     ProfileFormHandlers m_handlers;
     FormBinder m_binder;
     QTabWidget* m_tabs = nullptr;
-    QTreeView* m_tree = nullptr;
+    SourceTreeView* m_tree = nullptr;
 };
 
 } // namespace vardelin::ui
