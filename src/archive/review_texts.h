@@ -65,4 +65,20 @@ inline constexpr int kRemovingFailed = 40057;
 inline constexpr int kDeletionFailed = 40060;
 inline constexpr int kSizeFailed = 40064;
 
+// ---- the same of the two filters; the file's name stands behind the first four and before those
+// of the steps
+inline constexpr std::string_view kFilterFolderNoFile =
+    "The File entry Does Not Exist while trying to delete the Folder";
+inline constexpr std::string_view kFilterFolderOpen =
+    "The File is already Open while trying to delete  the Folder";
+inline constexpr std::string_view kFilterFilesNoFile =
+    "The file Does Not Exist while trying to delete the file";
+inline constexpr std::string_view kFilterFilesOpen =
+    "The File is already Open while trying to delete  the File";
+inline constexpr int kFilterCopyFailed = 40058;
+inline constexpr int kFilterKillFailed = 40059;
+inline constexpr int kFilterFolderFailed = 40061;
+inline constexpr int kFilterPastEnd = 40062;
+inline constexpr int kFilterFilesFailed = 40063;
+
 } // namespace vardelin::archive::review_texts
