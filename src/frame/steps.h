@@ -44,10 +44,6 @@ void noteRecentProfile(FrameContext& context, bool onlyWhereNamed);
 // be moved, an idle time. Nothing of it may reach the next profile.
 void forgetProfile(FrameContext& context);
 
-// What Close does once nothing stands in its way: no form, no mode, no command that needs a
-// profile.
-void closeEditor(FrameContext& context);
-
 // Close, which Close itself switches off, and the way back to the editor.
 void enableLeaving(FrameContext& context);
 
