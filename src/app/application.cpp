@@ -4,8 +4,9 @@
 #include "editor/destination.h"
 #include "editor/extension_lists.h"
 #include "editor/source_tree.h"
+#include "ui/shown_text.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QScreen>
 
 namespace vardelin::app {
@@ -43,6 +44,25 @@ public:
     void clearClipboard() override {}
 };
 
+class FrameWithoutForms final : public frame::FrameWindow {
+public:
+    void showRestDialog(state::frmRestDialog&) override {}
+    void showOpenProfile(profile::OpeningContext&) override {}
+    void showAbout() override {}
+    void unloadReview() override {}
+    void unloadLogs() override {}
+    void showEditor() override {}
+    void endApplication() override { endProgram(); }
+};
+
+class NoFileChooser final : public profile::FileChooser {
+public:
+    std::string chooseFile(std::string_view, std::string_view, std::string_view) override
+    {
+        return {};
+    }
+};
+
 } // namespace
 
 Application::Application(const Ports& ports)
@@ -55,11 +75,19 @@ Application::Application(const Ports& ports)
       m_messageBoxes(ports.machine.messageBoxes, m_runner),
       m_messageLoop(ports.machine.messageLoop, m_runner, [this] { showFrame(); }),
       m_machine(with(ports.machine, m_messageLoop, m_messageBoxes)),
-      m_editorWindow(std::make_unique<EditorWithoutForms>()), m_tree{m_machine, trace, frame,
-                                                                     editor,    store, treeForm,
-                                                                     m_icons},
+      m_editorWindow(std::make_unique<EditorWithoutForms>()),
+      m_frameWindow(std::make_unique<FrameWithoutForms>()),
+      m_fileChooser(std::make_unique<NoFileChooser>()),
+      m_schedules({m_machine, trace, frame, editor, store.save}), m_editorLists(trace, editor),
+      m_profileFiles({m_machine.fileSystem, trace, frame, listing}),
+      m_profiles{m_machine, trace, frame, editor, store, m_schedules, m_editorLists, fileNumbers},
+      m_tree{m_machine, trace, frame, editor, store, treeForm, m_icons},
       m_pages{m_machine, trace, frame, editor, store, treeForm, pagesForm, *m_editorWindow},
-      m_commands({m_runner, m_messageBoxes, m_tree, endProgram})
+      m_form{m_tree, m_pages, profileForm, mainFrame, m_editorLists},
+      m_opening{m_profiles,     openForm,       profileForm,    listing,
+                m_profileFiles, *m_fileChooser, bProfileOpened, lastSelected},
+      m_frame{m_profiles, m_opening, m_form, m_schedules, mainFrame, *m_frameWindow},
+      m_commands(m_runner, m_messageBoxes, m_frame)
 {
     frame.ST_App_Path = ports.appPath;
     frame.BL_Is_NT = m_machine.facts.isNtPlatform();
@@ -74,6 +102,8 @@ void Application::start()
 {
     m_runner.run("start", [&] {
         frame.BL_New_Mode = true;
+        profileForm.loaded = profileForm.visible = true;
+        profileForm.caption = "Default Profile";
         editor::BuildDriveList(m_tree);
         editor::NetworkDriveList(m_pages);
         editor::ListInclForFileExt(m_pages);
@@ -85,17 +115,40 @@ void Application::start()
     m_window->show();
 }
 
+void Application::showCursor()
+{
+    const bool busy =
+        mainFrame.hourglass || treeForm.mousePointer == editor::MousePointer::Hourglass;
+    if (busy == m_busyCursor)
+        return;
+    m_busyCursor = busy;
+    if (busy)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
+}
+
 void Application::showFrame()
 {
-    if (m_window)
-        m_window->showRecords();
+    if (!m_window)
+        return;
+    // The editor fills the frame, whose title names it therefore.
+    const bool editorShows = profileForm.loaded && profileForm.visible;
+    m_window->setWindowTitle(
+        editorShows ? QStringLiteral("Vardelin - [%1]").arg(ui::shown(profileForm.caption))
+                    : QStringLiteral("Vardelin"));
+    m_window->showRecords();
+    showCursor();
 }
 
 void Application::showRecords()
 {
     showFrame();
-    if (m_profileView != nullptr)
-        m_profileView->showRecords();
+    if (m_profileView == nullptr)
+        return;
+    m_profileView->setVisible(profileForm.loaded && profileForm.visible);
+    m_profileView->setEnabled(mainFrame.editorEnabled);
+    m_profileView->showRecords();
 }
 
 } // namespace vardelin::app

@@ -3,10 +3,11 @@
 #include "app/commands.h"
 #include "app/handler_runner.h"
 #include "app/window_ports.h"
-#include "editor/pages_context.h"
+#include "background/schedule_records.h"
+#include "editor/life_cycle.h"
+#include "frame/frame_context.h"
 #include "profile/editor_lists.h"
-#include "state/main_frame_form.h"
-#include "state/profile_form.h"
+#include "profile/opening.h"
 #include "trace/run_trace.h"
 #include "ui/main_window.h"
 #include "ui/profile_form.h"
@@ -50,11 +51,17 @@ public:
     state::ProfileEditorState editor;
     state::ProfileStore store;
     state::ProfileFormState profileForm;
+    state::frmOpenProfile openForm;
+    profile::ListingState listing;
+    profile::FileNumbers fileNumbers;
+    bool bProfileOpened = false;
+    std::string lastSelected;
     editor::SourceTreeForm treeForm;
     editor::PagesForm pagesForm;
 
 private:
     void showFrame();
+    void showCursor();
 
     HandlerRunner m_runner;
     UnwindingMessageBoxes m_messageBoxes;
@@ -62,9 +69,21 @@ private:
     platform::Machine m_machine;
     editor::PlainFileIcons m_icons;
     std::unique_ptr<editor::EditorWindow> m_editorWindow;
+    std::unique_ptr<frame::FrameWindow> m_frameWindow;
+    std::unique_ptr<profile::FileChooser> m_fileChooser;
+    background::RegistryScheduleRecords m_schedules;
+    profile::StateEditorLists m_editorLists;
+    profile::clsFiles m_profileFiles;
+
+    profile::ProfileContext m_profiles;
     editor::EditorContext m_tree;
     editor::PagesContext m_pages;
+    editor::EditorFormContext m_form;
+    profile::OpeningContext m_opening;
+    frame::FrameContext m_frame;
     Commands m_commands;
+
+    bool m_busyCursor = false;
 
     // The views, which go first.
     std::unique_ptr<ui::MainWindow> m_window;

@@ -1,27 +1,23 @@
 #pragma once
 
 #include "app/handler_runner.h"
-#include "editor/editor_context.h"
+#include "frame/frame_context.h"
 #include "frame/main_frame.h"
 #include "platform/machine.h"
 
-#include <functional>
 #include <string_view>
 
 namespace vardelin::app {
 
-// The commands of the main frame, each the function of its name. One command runs at a time: what
-// comes in through the message loop meanwhile returns at once.
+// The commands of the main frame, each the function of its name.
 class Commands final : public frame::MainFrameCommands {
 public:
-    // References outlive this object.
-    struct Parts {
-        HandlerRunner& runner;
-        platform::MessageBoxes& messageBoxes;
-        editor::EditorContext& tree;
-        std::function<void()> endProgram;
-    };
-    explicit Commands(Parts parts);
+    // All outlive this object.
+    Commands(HandlerRunner& runner, platform::MessageBoxes& messageBoxes,
+             frame::FrameContext& context)
+        : m_runner(runner), m_messageBoxes(messageBoxes), m_context(context)
+    {
+    }
 
     void mnuNew_Click() override;
     void mnuOpen_Click() override;
@@ -44,13 +40,12 @@ public:
     void cmdPcBackup_Click() override;
 
 private:
-    template <typename Body>
-    void run(const char* name, Body&& body);
     // Says that a part of the program is still to come.
     void notYet(const char* name, std::string_view part);
 
-    Parts m_parts;
-    bool m_running = false;
+    HandlerRunner& m_runner;
+    platform::MessageBoxes& m_messageBoxes;
+    frame::FrameContext& m_context;
 };
 
 } // namespace vardelin::app
