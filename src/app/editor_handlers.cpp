@@ -103,7 +103,12 @@ void filesPage(ProfileFormHandlers& form, const Maker& make)
 
 void destinationAndSecurity(ProfileFormHandlers& form, const Maker& make)
 {
-    form.CmbDestDrives_Click = make.click("CmbDestDrives_Click", editor::CmbDestDrives_Click);
+    form.CmbDestDrives.click = make.click("CmbDestDrives_Click", editor::CmbDestDrives_Click);
+    form.CmbDestDrives.gotFocus =
+        make.click("CmbDestDrives_GotFocus", editor::CmbDestDrives_GotFocus);
+    form.CmbDestDrives.keyPress =
+        make.key("CmbDestDrives_KeyPress", editor::CmbDestDrives_KeyPress);
+    form.CmbDestDrives.keyDown = make.key("CmbDestDrives_KeyDown", editor::CmbDestDrives_KeyDown);
     form.txtDestLoc.change = make.click("txtDestLoc_Change", editor::txtDestLoc_Change);
     form.txtDestLoc.gotFocus = make.click("txtDestLoc_GotFocus", editor::txtDestLoc_GotFocus);
     form.txtDestLoc.keyPress = make.key("txtDestLoc_KeyPress", editor::txtDestLoc_KeyPress);

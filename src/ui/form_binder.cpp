@@ -24,6 +24,8 @@ namespace {
 
 constexpr int kFirstTyped = 0x20; // below are keys that move or delete, backspace among them
 constexpr int kBackspace = 8;
+constexpr int kDeleteKey = 46;
+constexpr int kDeleteCharacter = 0x7f; // the text that comes with the Delete key
 
 QDate dateOf(const base::DateTime& value)
 {
@@ -114,8 +116,12 @@ void FormBinder::textBox(QLineEdit& widget, state::TextBox& record, TextHandlers
                 record.text = typed(text);
                 run(change);
             });
-    m_texts.push_back({&widget, std::move(handlers)});
-    widget.installEventFilter(this);
+    watch({&widget,
+           std::move(handlers.gotFocus),
+           std::move(handlers.lostFocus),
+           std::move(handlers.keyPress),
+           {},
+           std::move(handlers.rightButton)});
     also([&widget, &record] {
         const QString text = shown(record.text);
         // Writing the same text or limit would move the cursor to the end.
@@ -131,10 +137,16 @@ void FormBinder::textBox(QLineEdit& widget, state::TextBox& record, TextHandlers
     });
 }
 
-void FormBinder::comboBox(QComboBox& widget, state::ComboBox& record, Handler click)
+void FormBinder::comboBox(QComboBox& widget, state::ComboBox& record, ComboHandlers handlers)
 {
+    watch({&widget,
+           std::move(handlers.gotFocus),
+           {},
+           std::move(handlers.keyPress),
+           std::move(handlers.keyDown),
+           {}});
     connect(&widget, &QComboBox::activated, this,
-            [this, &record, click = std::move(click)](int row) {
+            [this, &record, click = std::move(handlers.click)](int row) {
                 if (row < 0 || static_cast<std::size_t>(row) >= record.items.size())
                     return;
                 record.text = record.items[static_cast<std::size_t>(row)];
@@ -261,46 +273,83 @@ void FormBinder::label(QLabel& widget, state::Label& record)
     });
 }
 
-bool FormBinder::eventFilter(QObject* watched, QEvent* event)
+void FormBinder::watch(Watched watched)
 {
-    for (const BoundText& bound : m_texts) {
-        if (bound.widget != watched)
-            continue;
-        switch (event->type()) {
-        case QEvent::FocusIn:
-            if (bound.handlers.gotFocus)
-                run(bound.handlers.gotFocus);
-            break;
-        case QEvent::FocusOut:
-            if (bound.handlers.lostFocus)
-                run(bound.handlers.lostFocus);
-            break;
-        case QEvent::MouseButtonPress:
-            if (static_cast<QMouseEvent*>(event)->button() == Qt::RightButton &&
-                bound.handlers.rightButton)
-                run(bound.handlers.rightButton);
-            break;
-        case QEvent::KeyPress: {
-            if (!bound.handlers.keyPress)
-                break;
-            const auto* key = static_cast<QKeyEvent*>(event);
-            const QString text = key->text();
-            const bool backspace = key->key() == Qt::Key_Backspace;
-            if (!backspace && (text.isEmpty() || text.front().unicode() < kFirstTyped))
-                break;
-            const int code = backspace ? kBackspace : text.front().unicode();
-            int typedCode = 0;
-            run([&] { typedCode = bound.handlers.keyPress(code); });
-            if (typedCode == 0)
-                return true;
-            break;
-        }
-        default:
-            break;
-        }
+    watched.widget->installEventFilter(this);
+    m_watched.push_back(std::move(watched));
+}
+
+const FormBinder::Watched* FormBinder::watchedAt(const QObject* widget) const
+{
+    for (const Watched& watched : m_watched) {
+        if (watched.widget == widget)
+            return &watched;
+    }
+    return nullptr;
+}
+
+void FormBinder::focusIn(const Watched& watched)
+{
+    if (m_focused == watched.widget)
+        return; // back from a box, a window or a menu that stood in front
+    // The focus may have moved on while another window was in front.
+    if (const Watched* former = watchedAt(m_focused); former != nullptr)
+        focusOut(*former, Qt::OtherFocusReason);
+    m_focused = watched.widget;
+    if (watched.gotFocus)
+        run(watched.gotFocus);
+}
+
+void FormBinder::focusOut(const Watched& watched, Qt::FocusReason reason)
+{
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
+        reason == Qt::MenuBarFocusReason)
+        return;
+    m_focused = nullptr;
+    if (watched.lostFocus)
+        run(watched.lostFocus);
+}
+
+bool FormBinder::dropsKey(const Watched& watched, const QKeyEvent& key)
+{
+    int typedCode = 1;
+    if (key.key() == Qt::Key_Delete && watched.keyDown)
+        run([&] { typedCode = watched.keyDown(kDeleteKey); });
+    const QString text = key.text();
+    const bool backspace = key.key() == Qt::Key_Backspace;
+    const bool types = !text.isEmpty() && text.front().unicode() >= kFirstTyped &&
+                       text.front().unicode() != kDeleteCharacter;
+    if (watched.keyPress && (backspace || types)) {
+        const int code = backspace ? kBackspace : text.front().unicode();
+        run([&] { typedCode = watched.keyPress(code); });
+    }
+    return typedCode == 0;
+}
+
+bool FormBinder::eventFilter(QObject* object, QEvent* event)
+{
+    const Watched* watched = watchedAt(object);
+    if (watched == nullptr)
+        return QObject::eventFilter(object, event);
+    switch (event->type()) {
+    case QEvent::FocusIn:
+        focusIn(*watched);
+        break;
+    case QEvent::FocusOut:
+        focusOut(*watched, static_cast<QFocusEvent*>(event)->reason());
+        break;
+    case QEvent::MouseButtonPress:
+        if (static_cast<QMouseEvent*>(event)->button() == Qt::RightButton && watched->rightButton)
+            run(watched->rightButton);
+        break;
+    case QEvent::KeyPress:
+        if (dropsKey(*watched, *static_cast<QKeyEvent*>(event)))
+            return true;
+        break;
+    default:
         break;
     }
-    return QObject::eventFilter(watched, event);
+    return QObject::eventFilter(object, event);
 }
 
 } // namespace vardelin::ui

@@ -16,6 +16,7 @@ class QCheckBox;
 class QComboBox;
 class QDateEdit;
 class QGroupBox;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -44,12 +45,21 @@ struct Through {
     }
 };
 
+// The focus comes from another control or goes to one: a message box, another window or a menu that
+// comes in front takes it from no control, and its end gives it to none.
 struct TextHandlers {
     Handler change{};
     Handler gotFocus{};
     Handler lostFocus{};
     KeyFilter keyPress{};
     Handler rightButton{}; // pressed in the box
+};
+
+struct ComboHandlers {
+    Handler click{}; // an entry was picked
+    Handler gotFocus{};
+    KeyFilter keyPress{};
+    KeyFilter keyDown{}; // gets 46 for Delete and no other key
 };
 
 // Ties widgets to a form's record of controls. What a person does goes into the record, then the
@@ -70,7 +80,7 @@ public:
                       Handler click);
     void textBox(QLineEdit& widget, state::TextBox& record, TextHandlers handlers);
     // A list to pick from; with `editable` text that is not in the list shows, too.
-    void comboBox(QComboBox& widget, state::ComboBox& record, Handler click);
+    void comboBox(QComboBox& widget, state::ComboBox& record, ComboHandlers handlers);
     // Boxes for `checked`; the selected row is the one with `selected`.
     void checkList(QAbstractItemView& widget, state::ListBox& record, QStringList columns,
                    RowHandler itemCheck);
@@ -98,13 +108,24 @@ private:
     void list(QAbstractItemView& widget, state::ListBox& record, bool state::ListRow::*tick,
               QStringList columns, RowHandler itemCheck);
 
-    struct BoundText {
-        QLineEdit* widget = nullptr;
-        TextHandlers handlers;
+    // A widget whose focus and keys the logic hears of.
+    struct Watched {
+        QWidget* widget = nullptr;
+        Handler gotFocus;
+        Handler lostFocus;
+        KeyFilter keyPress;
+        KeyFilter keyDown;
+        Handler rightButton;
     };
+    void watch(Watched watched);
+    const Watched* watchedAt(const QObject* widget) const;
+    void focusIn(const Watched& watched);
+    void focusOut(const Watched& watched, Qt::FocusReason reason);
+    bool dropsKey(const Watched& watched, const QKeyEvent& key);
 
     std::vector<Handler> m_shows;
-    std::vector<BoundText> m_texts;
+    std::vector<Watched> m_watched;
+    const QWidget* m_focused = nullptr; // the watched one that has it, also behind another window
     bool m_showing = false;
 };
 

@@ -171,7 +171,7 @@ QWidget* ProfileForm::destinationFrame()
     auto* folderLabel = new QLabel(QStringLiteral("Backup  &Location:"));
     drivesLabel->setBuddy(drives);
     folderLabel->setBuddy(folder);
-    m_binder.comboBox(*drives, m_record.CmbDestDrives, m_handlers.CmbDestDrives_Click);
+    m_binder.comboBox(*drives, m_record.CmbDestDrives, m_handlers.CmbDestDrives);
     m_binder.textBox(*folder, m_record.txtDestLoc, m_handlers.txtDestLoc);
     connect(browse, &QPushButton::clicked, this,
             [this] { m_binder.run(m_handlers.cmdBrowse_Click); });
@@ -207,7 +207,7 @@ QWidget* ProfileForm::securityFrame()
     questionLabel->setBuddy(question);
     answerLabel->setBuddy(answer);
     m_binder.textBox(*text, m_record.txtPassWord, m_handlers.txtPassWord);
-    m_binder.comboBox(*question, m_record.cmbHintQues, m_handlers.cmbHintQues_Click);
+    m_binder.comboBox(*question, m_record.cmbHintQues, {m_handlers.cmbHintQues_Click});
     m_binder.textBox(*answer, m_record.txtHintAns, m_handlers.txtHintAns);
     auto* grid = new QGridLayout(inner);
     auto* textLabel = new QLabel(tr("&Password:"));
@@ -254,7 +254,7 @@ QWidget* ProfileForm::startupFrame()
     auto* sizeUnit = named<QComboBox>("cmbSizeOfBkp");
     m_binder.checkBox(*size, m_record.chkSizeOfBkp, m_handlers.chkSizeOfBkp_Click);
     m_binder.textBox(*sizeBox, m_record.txtSizeOfBkp, m_handlers.txtSizeOfBkp);
-    m_binder.comboBox(*sizeUnit, m_record.cmbSizeOfBkp, m_handlers.cmbSizeOfBkp_Click);
+    m_binder.comboBox(*sizeUnit, m_record.cmbSizeOfBkp, {m_handlers.cmbSizeOfBkp_Click});
     line(size, sizeBox, sizeUnit);
 
     auto* queue = named<QCheckBox>("chkQueueThrld",

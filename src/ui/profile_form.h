@@ -23,7 +23,7 @@ struct ProfileFormHandlers {
     std::function<void(int column)> lstInclude_ColumnClick;
     RowHandler lstOtherData_ItemCheck;
 
-    Handler CmbDestDrives_Click;
+    ComboHandlers CmbDestDrives;
     TextHandlers txtDestLoc;
     Handler cmdBrowse_Click;
     Handler chkCompress_Click;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -52,7 +53,7 @@ TEST_F(Binder, ShowingRunsNoHandler)
     const auto count = [&] { ++runs; };
     binder.checkBox(check, checkRecord, count);
     binder.textBox(text, textRecord, {.change = count});
-    binder.comboBox(combo, comboRecord, count);
+    binder.comboBox(combo, comboRecord, {count});
     checkRecord.value = 1;
     textRecord.text = "15";
     comboRecord.items = {"KB", "MB"};
@@ -95,6 +96,80 @@ TEST_F(Binder, BackspaceIsAskedForAndLettersKeepTheirCursor)
     EXPECT_EQ(asked, "\bx");
     EXPECT_EQ(record.text, "xbc");
     EXPECT_EQ(widget.cursorPosition(), 1);
+}
+
+// A box that asks something while the person types must not count as leaving the field: what the
+// field held when the focus came is what a refusal puts back.
+TEST_F(Binder, AWindowInFrontTakesTheFocusFromNoControl)
+{
+    QWidget form;
+    auto* first = new QLineEdit(&form);
+    auto* second = new QLineEdit(&form);
+    state::TextBox firstRecord;
+    state::TextBox secondRecord;
+    std::string heard;
+    binder.textBox(*first, firstRecord,
+                   {.gotFocus = [&] { heard += "+1"; }, .lostFocus = [&] { heard += "-1"; }});
+    binder.textBox(*second, secondRecord, {.gotFocus = [&] { heard += "+2"; }});
+    const auto focus = [](QWidget* widget, QEvent::Type type, Qt::FocusReason reason) {
+        QFocusEvent event(type, reason);
+        QApplication::sendEvent(widget, &event);
+    };
+    focus(first, QEvent::FocusIn, Qt::TabFocusReason);
+    focus(first, QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    focus(first, QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+    focus(first, QEvent::FocusOut, Qt::PopupFocusReason);
+    focus(first, QEvent::FocusIn, Qt::PopupFocusReason);
+    EXPECT_EQ(heard, "+1");
+    focus(first, QEvent::FocusOut, Qt::TabFocusReason);
+    focus(second, QEvent::FocusIn, Qt::TabFocusReason);
+    EXPECT_EQ(heard, "+1-1+2");
+}
+
+TEST_F(Binder, TheFocusThatMovedBehindAWindowInFrontIsHeardOfAtItsEnd)
+{
+    QWidget form;
+    auto* first = new QLineEdit(&form);
+    auto* second = new QLineEdit(&form);
+    state::TextBox record;
+    std::string heard;
+    binder.textBox(*first, record, {.lostFocus = [&] { heard += "-1"; }});
+    binder.textBox(*second, record, {.gotFocus = [&] { heard += "+2"; }});
+    const auto focus = [](QWidget* widget, QEvent::Type type, Qt::FocusReason reason) {
+        QFocusEvent event(type, reason);
+        QApplication::sendEvent(widget, &event);
+    };
+    focus(first, QEvent::FocusIn, Qt::TabFocusReason);
+    focus(first, QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    focus(second, QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+    EXPECT_EQ(heard, "-1+2");
+}
+
+TEST_F(Binder, AComboAsksAboutKeysAndTellsOfItsFocus)
+{
+    QComboBox widget;
+    state::ComboBox record;
+    record.items = {"Local Drives[C:]", "Local Drives[D:]"};
+    record.text = record.items[0];
+    int focused = 0;
+    std::string asked;
+    const auto drop = [&](int code) {
+        asked += std::to_string(code) + " ";
+        return 0;
+    };
+    binder.comboBox(
+        widget, record,
+        ComboHandlers{.gotFocus = [&] { ++focused; }, .keyPress = drop, .keyDown = drop});
+    binder.show();
+    QFocusEvent event(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(&widget, &event);
+    QTest::keyClicks(&widget, "L");
+    QTest::keyClick(&widget, Qt::Key_Delete);
+    EXPECT_EQ(focused, 1);
+    EXPECT_EQ(asked, "76 46 ");
+    EXPECT_EQ(record.text, "Local Drives[C:]");
+    QTest::keyClick(&widget, Qt::Key_Down);
+    EXPECT_EQ(record.text, "Local Drives[D:]") << "arrows pick";
 }
 
 TEST_F(Binder, ALockedBoxTakesNoTyping)
