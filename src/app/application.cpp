@@ -1,9 +1,6 @@
 #include "app/application.h"
 
 #include "app/editor_handlers.h"
-#include "editor/destination.h"
-#include "editor/extension_lists.h"
-#include "editor/source_tree.h"
 #include "ui/shown_text.h"
 
 #include <QGuiApplication>
@@ -92,7 +89,7 @@ Application::Application(const Ports& ports)
     frame.ST_App_Path = ports.appPath;
     frame.BL_Is_NT = m_machine.facts.isNtPlatform();
     m_window = std::make_unique<ui::MainWindow>(mainFrame, frame, m_commands);
-    m_profileView = new ui::ProfileForm(editor, profileForm, editorHandlers(m_pages, m_runner));
+    m_profileView = new ui::ProfileForm(editor, profileForm, editorHandlers(m_form, m_runner));
     m_window->addForm(m_profileView);
 }
 
@@ -102,11 +99,9 @@ void Application::start()
 {
     m_runner.run("start", [&] {
         frame.BL_New_Mode = true;
-        profileForm.loaded = profileForm.visible = true;
+        editor::loadProfileForm(m_form);
+        profileForm.visible = true;
         profileForm.caption = "Default Profile";
-        editor::BuildDriveList(m_tree);
-        editor::NetworkDriveList(m_pages);
-        editor::ListInclForFileExt(m_pages);
     });
     // The size of the frame is its own: it keeps the one that it begins with.
     m_window->setFixedSize(m_window->minimumSizeHint()

@@ -2,6 +2,7 @@
 
 #include "editor/destination.h"
 #include "editor/extension_lists.h"
+#include "editor/life_cycle.h"
 #include "editor/options_page.h"
 #include "editor/other_data_form.h"
 #include "editor/password_page.h"
@@ -220,12 +221,28 @@ void retentionOptions(ProfileFormHandlers& form, const Maker& make,
     days.rightButton = make.rightButton("txtLatestDaysVer_MouseDown");
 }
 
+void tabs(ProfileFormHandlers& form, editor::EditorFormContext& context, HandlerRunner& runner)
+{
+    form.SSTab1_Click = [&context, &runner](int tab) {
+        runner.run("SSTab1_Click", [&] { editor::SSTab1_Click(context, tab); });
+    };
+    const auto label = [&](const char* name, void (*function)(editor::EditorFormContext&)) {
+        return
+            [&context, &runner, name, function] { runner.run(name, [&] { function(context); }); };
+    };
+    form.Label31_Click = label("Label31_Click", editor::Label31_Click);
+    form.Label32_Click = label("Label32_Click", editor::Label32_Click);
+    form.Label33_Click = label("Label33_Click", editor::Label33_Click);
+}
+
 } // namespace
 
-ui::ProfileFormHandlers editorHandlers(editor::PagesContext& pages, HandlerRunner& runner)
+ui::ProfileFormHandlers editorHandlers(editor::EditorFormContext& context, HandlerRunner& runner)
 {
+    PagesContext& pages = context.pages;
     const Maker make(pages, runner);
     ProfileFormHandlers form;
+    tabs(form, context, runner);
     filesPage(form, make);
     destinationAndSecurity(form, make);
     startUpOptions(form, make, pages.editor);
