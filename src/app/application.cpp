@@ -70,7 +70,7 @@ Application::Application(const Ports& ports)
       m_runner(
           trace, [this] { showRecords(); }, endProgram),
       m_messageBoxes(ports.machine.messageBoxes, m_runner),
-      m_messageLoop(ports.machine.messageLoop, m_runner, [this] { showFrame(); }),
+      m_messageLoop(ports.machine.messageLoop, m_runner, [this] { showProgress(); }),
       m_machine(with(ports.machine, m_messageLoop, m_messageBoxes)),
       m_editorWindow(std::make_unique<EditorWithoutForms>()),
       m_frameWindow(std::make_unique<FrameWithoutForms>()),
@@ -134,6 +134,13 @@ void Application::showFrame()
                     : QStringLiteral("Vardelin"));
     m_window->showRecords();
     showCursor();
+}
+
+void Application::showProgress()
+{
+    showFrame();
+    if (m_profileView != nullptr)
+        m_profileView->showReading();
 }
 
 void Application::showRecords()

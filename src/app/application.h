@@ -61,6 +61,8 @@ public:
 
 private:
     void showFrame();
+    // While a handler lets waiting events run: how far it is.
+    void showProgress();
     void showCursor();
 
     HandlerRunner m_runner;

@@ -7,6 +7,7 @@
 #include "editor/other_data_form.h"
 #include "editor/password_page.h"
 #include "editor/schedule_page.h"
+#include "editor/source_tree.h"
 
 #include <array>
 #include <cstddef>
@@ -221,6 +222,26 @@ void retentionOptions(ProfileFormHandlers& form, const Maker& make,
     days.rightButton = make.rightButton("txtLatestDaysVer_MouseDown");
 }
 
+void sourceTree(ProfileFormHandlers& form, editor::EditorContext& tree, HandlerRunner& runner)
+{
+    form.tree.tvwDirectory_Expand = [&tree, &runner](state::TreeNode& node) {
+        runner.run("tvwDirectory_Expand", [&] { editor::tvwDirectory_Expand(tree, node); });
+    };
+    form.tree.tvwDirectory_NodeCheck = [&tree, &runner](state::TreeNode& node) {
+        runner.run("tvwDirectory_NodeCheck", [&] { editor::tvwDirectory_NodeCheck(tree, node); });
+    };
+    form.tree.tvwDirectory_Click = [&tree, &runner] {
+        runner.run("tvwDirectory_Click", [&] { editor::tvwDirectory_Click(tree); });
+    };
+    form.tree.tvwDirectory_KeyDown = [&runner](int& keyCode) {
+        runner.run("tvwDirectory_KeyDown", [&] { editor::tvwDirectory_KeyDown(keyCode); });
+    };
+    form.tree.tvwDirectory_BeforeLabelEdit = editor::tvwDirectory_BeforeLabelEdit;
+    form.tree.form = &tree.form;
+    form.tree.fileSystem = &tree.machine.fileSystem;
+    form.tree.shell = &tree.machine.shell;
+}
+
 void tabs(ProfileFormHandlers& form, editor::EditorFormContext& context, HandlerRunner& runner)
 {
     form.SSTab1_Click = [&context, &runner](int tab) {
@@ -243,6 +264,7 @@ ui::ProfileFormHandlers editorHandlers(editor::EditorFormContext& context, Handl
     const Maker make(pages, runner);
     ProfileFormHandlers form;
     tabs(form, context, runner);
+    sourceTree(form, context.tree, runner);
     filesPage(form, make);
     destinationAndSecurity(form, make);
     startUpOptions(form, make, pages.editor);
