@@ -1,6 +1,7 @@
 #include "app/commands.h"
 
 #include "editor/pages_context.h"
+#include "frame/profile_commands.h"
 #include "frame/window_commands.h"
 
 #include <string>
@@ -15,36 +16,6 @@ void Commands::notYet(const char* name, std::string_view part)
         m_messageBoxes.show(std::string(part) + " is not available in the window yet.",
                             editor::kTitle);
     });
-}
-
-void Commands::mnuNew_Click()
-{
-    notYet("mnuNew_Click", "New");
-}
-
-void Commands::mnuOpen_Click()
-{
-    notYet("mnuOpen_Click", "Open");
-}
-
-void Commands::mnuEdit_Click()
-{
-    notYet("mnuEdit_Click", "Edit");
-}
-
-void Commands::mnuSave_Click()
-{
-    notYet("mnuSave_Click", "Save");
-}
-
-void Commands::mnuSaveAs_Click()
-{
-    notYet("mnuSaveAs_Click", "SaveAs");
-}
-
-void Commands::mnuClose_Click()
-{
-    notYet("mnuClose_Click", "Close");
 }
 
 void Commands::mnuBackup_Click()
@@ -82,6 +53,43 @@ void Commands::cmdPcBackup_Click()
     notYet("cmdPcBackup_Click", "PC Backup");
 }
 
+// ---- the File menu
+
+void Commands::mnuNew_Click()
+{
+    m_runner.run("mnuNew_Click", [&] { frame::mnuNew_Click(m_context); });
+}
+
+void Commands::mnuOpen_Click()
+{
+    m_runner.run("mnuOpen_Click", [&] { frame::mnuOpen_Click(m_context); });
+}
+
+void Commands::mnuEdit_Click()
+{
+    m_runner.run("mnuEdit_Click", [&] { frame::mnuEdit_Click(m_context); });
+}
+
+void Commands::mnuSave_Click()
+{
+    m_runner.run("mnuSave_Click", [&] { frame::mnuSave_Click(m_context); });
+}
+
+void Commands::mnuSaveAs_Click()
+{
+    m_runner.run("mnuSaveAs_Click", [&] { frame::mnuSaveAs_Click(m_context); });
+}
+
+void Commands::mnuClose_Click()
+{
+    m_runner.run("mnuClose_Click", [&] { frame::mnuClose_Click(m_context); });
+}
+
+void Commands::mnuExit_Click()
+{
+    m_runner.run("mnuExit_Click", [&] { frame::mnuExit_Click(m_context); });
+}
+
 // ---- the other commands
 
 void Commands::mnuExpand_Click()
@@ -107,11 +115,6 @@ void Commands::mnuContents_Click()
 void Commands::mnuAbout_Click()
 {
     m_runner.run("mnuAbout_Click", [&] { frame::mnuAbout_Click(m_context); });
-}
-
-void Commands::mnuExit_Click()
-{
-    m_runner.run("mnuExit_Click", [&] { m_context.window.endApplication(); });
 }
 
 } // namespace vardelin::app
