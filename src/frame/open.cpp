@@ -18,40 +18,50 @@ namespace {
 
 namespace texts = frame_texts;
 
-// What comes back when the dialog is left without a profile: a later save must go by these.
-struct Former {
-    explicit Former(const FrameState& frame)
-        : name(frame.ST_Current_Profile), path(frame.ST_Current_Profile_Path),
-          lastSaved(frame.ST_Last_Saved_Profile), newMode(frame.BL_New_Mode),
-          editMode(frame.BL_Edit_Mode), openMode(frame.BL_Open_Mode), firstRun(frame.BL_First_Run),
-          newChanged(frame.BL_New_Changed), editChanged(frame.BL_Edit_Changed),
-          recentFound(frame.BL_Recent_Found)
+// What comes back when the dialog is left without a profile, or fails: a later save must go by
+// these.
+class Former {
+public:
+    explicit Former(FrameState& frame)
+        : m_frame(frame), m_name(frame.ST_Current_Profile), m_path(frame.ST_Current_Profile_Path),
+          m_lastSaved(frame.ST_Last_Saved_Profile), m_newMode(frame.BL_New_Mode),
+          m_editMode(frame.BL_Edit_Mode), m_openMode(frame.BL_Open_Mode),
+          m_firstRun(frame.BL_First_Run), m_newChanged(frame.BL_New_Changed),
+          m_editChanged(frame.BL_Edit_Changed), m_recentFound(frame.BL_Recent_Found)
     {
     }
-    void putBack(FrameState& frame) const
+    Former(const Former&) = delete;
+    Former& operator=(const Former&) = delete;
+    ~Former()
     {
-        frame.ST_Current_Profile = name;
-        frame.ST_Current_Profile_Path = path;
-        frame.ST_Last_Saved_Profile = lastSaved;
-        frame.BL_New_Mode = newMode;
-        frame.BL_Edit_Mode = editMode;
-        frame.BL_Open_Mode = openMode;
-        frame.BL_First_Run = firstRun;
-        frame.BL_New_Changed = newChanged;
-        frame.BL_Edit_Changed = editChanged;
-        frame.BL_Recent_Found = recentFound;
+        if (m_dropped)
+            return;
+        m_frame.ST_Current_Profile = std::move(m_name);
+        m_frame.ST_Current_Profile_Path = std::move(m_path);
+        m_frame.ST_Last_Saved_Profile = std::move(m_lastSaved);
+        m_frame.BL_New_Mode = m_newMode;
+        m_frame.BL_Edit_Mode = m_editMode;
+        m_frame.BL_Open_Mode = m_openMode;
+        m_frame.BL_First_Run = m_firstRun;
+        m_frame.BL_New_Changed = m_newChanged;
+        m_frame.BL_Edit_Changed = m_editChanged;
+        m_frame.BL_Recent_Found = m_recentFound;
     }
+    void drop() { m_dropped = true; }
 
-    std::string name;
-    std::string path;
-    std::string lastSaved;
-    bool newMode;
-    bool editMode;
-    bool openMode;
-    bool firstRun;
-    bool newChanged;
-    bool editChanged;
-    bool recentFound;
+private:
+    FrameState& m_frame;
+    std::string m_name;
+    std::string m_path;
+    std::string m_lastSaved;
+    bool m_newMode;
+    bool m_editMode;
+    bool m_openMode;
+    bool m_firstRun;
+    bool m_newChanged;
+    bool m_editChanged;
+    bool m_recentFound;
+    bool m_dropped = false;
 };
 
 // ST_Last_Saved_Profile stays: the dialog tells by it that a profile is open already, and gives it
@@ -132,7 +142,7 @@ void open(FrameContext& context)
     // A "No" to the save does not make the profile a saved one: it may stay in the editor.
     frame.BL_New_Changed = newChanged && frame.BL_New_Mode;
     copyBackRemoteProfile(context);
-    const Former former(frame);
+    Former former(frame);
     const bool wasLoaded = context.form.window.loaded;
     clearForOpen(context);
     listProfiles(context);
@@ -144,12 +154,11 @@ void open(FrameContext& context)
     // Gone before it could be read: that was told, and the former profile is still in the editor.
     const bool missing = std::exchange(frame.bDecryptFileMissing, false);
     if (context.opening.bProfileOpened && !missing) {
+        former.drop();
         showOpened(context);
-        return;
-    }
-    former.putBack(frame);
-    if (!wasLoaded)
+    } else if (!wasLoaded) {
         editor::unloadProfileForm(context.form);
+    }
 }
 
 } // namespace

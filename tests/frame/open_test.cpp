@@ -100,6 +100,18 @@ TEST(OpenCommand, LeavingTheDialogLeavesTheProfileAsItWas)
     }
 }
 
+TEST(OpenCommand, ADialogThatCannotBeShownLeavesTheProfileAsItWas)
+{
+    TwoProfiles rig;
+    rig.change();
+    rig.answer({Answer::No});
+    rig.windows.inOpenProfile = [](profile::OpeningContext&) { throw base::RuntimeError(57); };
+    mnuOpen_Click(rig.commands);
+    EXPECT_EQ(rig.errorsShown(), Texts{"mnuOpen_Click: mnuOpen_Click"});
+    EXPECT_EQ(rig.modes(), "Ee");
+    EXPECT_EQ(rig.frame.ST_Current_Profile, "Work.vdp");
+}
+
 TEST(OpenCommand, ChangesThatWereNotSavedAreStillThereWhenTheDialogIsLeft)
 {
     for (const bool isNew : {true, false}) {
