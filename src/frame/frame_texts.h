@@ -58,7 +58,14 @@ inline constexpr std::string_view kSavingState = "Saving Profile";
 inline constexpr std::string_view kSavingAtClose = "Saving when Closing Profile";
 inline constexpr std::string_view kIdleState = " ";
 
+// ---- start-up
+inline constexpr std::string_view kAlreadyOpen = "Vardelin Application is already Open";
+inline constexpr std::string_view kDisplayingDefault = "Displaying the Default profile"; // panel 1
+inline constexpr std::string_view kDisplayingRecentStart = "Displaying ";                // panel 1
+inline constexpr std::string_view kDisplayingRecentEnd = " Profile...";
+
 // ---- captions of frmProfile
+inline constexpr std::string_view kDefaultCaption = "Default Profile";
 inline constexpr std::string_view kNewCaption = "New Profile";
 inline constexpr std::string_view kProfileCaption = " Profile"; // behind the name
 inline constexpr std::string_view kNamelessCaption = "Profile Manager";

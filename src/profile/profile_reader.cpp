@@ -355,7 +355,7 @@ void Reader::readFlag(state::CheckBox& box, bool& flag)
 
 } // namespace
 
-void ActivateOpenProfile(ProfileContext& context, std::string_view name, std::string_view folder)
+bool ActivateOpenProfile(ProfileContext& context, std::string_view name, std::string_view folder)
 {
     constexpr std::string_view kName = "ActivateOpenProfile";
     Reader reader(context, name);
@@ -369,6 +369,7 @@ void ActivateOpenProfile(ProfileContext& context, std::string_view name, std::st
     const std::string_view custom =
         reader.status() == Status::None ? kName : trace::message(static_cast<int>(reader.status()));
     trace::errorTail(context.trace, {kName, kName, kModule, custom}, failure);
+    return !failure;
 }
 
 void Versioncheck(ProfileContext& context, std::string_view value)

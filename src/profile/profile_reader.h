@@ -19,8 +19,8 @@ namespace vardelin::profile {
 // the next two with it, and a section that never closes ends with the file. Three failures are
 // reported in the error dialog, with everything left as far as it came and the plain copy still on
 // the disk: the file cannot be opened, it ends inside the source files, or a source cannot be
-// added.
-void ActivateOpenProfile(ProfileContext& context, std::string_view name, std::string_view folder);
+// added. False after a failure: the editor may hold less than the file does.
+bool ActivateOpenProfile(ProfileContext& context, std::string_view name, std::string_view folder);
 
 // Takes the retention from the text behind the `=` of its line: the first character chooses the
 // option (1 to 8, others change nothing), and for 6 and 8 the text behind the first `?` is the

@@ -22,7 +22,7 @@ struct FrameState {
     bool BL_Save_Blocked = false; // the last save did not go through; who asked for it must stop
     bool BL_Name_Cancelled = false;
     bool BL_Dest_Moved = false;      // the old archive is to be copied to the new destination
-    bool BL_Loading_Profile = false; // start-up is filling the editor
+    bool BL_Loading_Profile = false; // start-up has begun to fill the editor
 
     bool BL_Command_Line_Profile = false;
     bool BL_Is_NT = false;

@@ -17,6 +17,13 @@ struct ToolButton {
     std::string toolTip{}; // empty: the button's own
 };
 
+// In pixels of the view, which alone reads them.
+struct FrameSize {
+    int width = 0;
+    int height = 0;
+    friend bool operator==(const FrameSize&, const FrameSize&) = default;
+};
+
 struct MainFrameForm {
     // Buttons have indices from 1; 7 and 10 are separators and 12 has a drop-down.
     static constexpr std::size_t kToolbarButtons = 12;
@@ -46,6 +53,8 @@ struct MainFrameForm {
     MenuEntry mnuContents;
     MenuEntry mnuAbout;
 
+    bool loaded = false; // or loading
+    FrameSize sizeAtLoad;
     bool commandRunning = false; // another command that is clicked meanwhile does nothing
     bool hourglass = false;
     bool maximizeBox = true;      // taken away while the frame loads and while a run goes on
