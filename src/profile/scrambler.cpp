@@ -21,6 +21,7 @@ namespace error_number = base::error_number;
 
 constexpr std::string_view kModule = "ModProfileEncDec";
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kReversal = "LineReverse";
 constexpr std::string_view kTemporaryMark = "U";
 constexpr double kEncryptShare = 25; // of the bar
 constexpr double kDecryptShare = 50;
@@ -94,6 +95,27 @@ std::string reportText(std::span<const Report> reports, Status status, int numbe
     }
     return std::string(other);
 }
+
+// Turns the lines of one file around. The trace gets one entry for all of them when the last one
+// is done: an entry is a write to the disk, and a profile may have 100,000 lines.
+class LineReversal {
+public:
+    explicit LineReversal(trace::RunTrace& trace) : m_trace(trace) {}
+    LineReversal(const LineReversal&) = delete;
+    LineReversal& operator=(const LineReversal&) = delete;
+    ~LineReversal() { m_trace.WriteRunTraceTimes(kReversal, "End", m_entries); }
+
+    std::string operator()(std::string_view line)
+    {
+        constexpr std::int32_t kEntriesOfALine = 2; // Start and End
+        m_entries += kEntriesOfALine;
+        return base::reversed(line);
+    }
+
+private:
+    trace::RunTrace& m_trace;
+    std::int32_t m_entries = 0;
+};
 
 // The first look at the file, for the bar alone: a missing file is made, empty. The step is 0 where
 // nothing can be told from it; errors are those of the second look.
@@ -240,8 +262,9 @@ std::string Encryption::scrambled(std::string_view plain, double step)
 {
     state::ProgressBar& bar = m_context.frame.pb;
     std::string result;
+    LineReversal reverse(m_context.trace.trace);
     for (const std::string_view line : fileLines(plain)) {
-        result.append(shiftedUp(LineReverse(m_context, line))).append(kLineEnd);
+        result.append(shiftedUp(reverse(line))).append(kLineEnd);
         if (bar.maximum > bar.value + step)
             bar.value += step;
     }
@@ -334,8 +357,9 @@ std::string Decryption::unscrambled(std::string_view text, double step)
 {
     state::ProgressBar& bar = m_context.frame.pb;
     std::string result;
+    LineReversal reverse(m_context.trace.trace);
     for (const std::string_view line : fileLines(text)) {
-        result.append(shiftedDown(LineReverse(m_context, line))).append(kLineEnd);
+        result.append(shiftedDown(reverse(line))).append(kLineEnd);
         if (bar.value + step < kDecryptShare)
             bar.value += step;
     }
@@ -388,7 +412,7 @@ bool PrFileDecrypt(ProfileContext& context, std::string_view folder, std::string
 std::string LineReverse(ProfileContext& context, std::string_view line)
 {
     std::string result;
-    trace::runTraced(context.trace, "LineReverse", kModule, trace::customMessage("LineReverse"),
+    trace::runTraced(context.trace, kReversal, kModule, trace::customMessage(kReversal),
                      [&] { result = base::reversed(line); });
     return result;
 }

@@ -4,6 +4,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <memory>
@@ -111,11 +112,21 @@ bool RunTrace::WriteRunTrace(std::string_view procedure, std::string_view kind, 
         m_lastName = procedure;
         return true;
     }
+    return write(procedure, kind, text, 1);
+}
+
+bool RunTrace::WriteRunTraceTimes(std::string_view procedure, std::string_view kind,
+                                  std::int32_t times)
+{
+    return times <= 0 || write(procedure, kind, {}, times);
+}
+
+bool RunTrace::write(std::string_view procedure, std::string_view kind, std::string_view text,
+                     std::int32_t times)
+{
     const bool isNew = procedure != m_lastName;
-    if (isNew)
-        m_repeatCount = 1;
-    else if (m_repeatCount < std::numeric_limits<std::int32_t>::max())
-        ++m_repeatCount;
+    const std::int32_t before = isNew ? 0 : m_repeatCount;
+    m_repeatCount = before + std::min(times, std::numeric_limits<std::int32_t>::max() - before);
 
     const auto create = [this] {
         if (CreateRunLogFile(m_fullName, kLogCapacity))

@@ -39,6 +39,10 @@ public:
     bool WriteRunTrace(std::string_view procedure, std::string_view kind, bool enabled,
                        std::string_view text = {});
 
+    // What `times` calls in a row would leave, the last of them of this kind, with one look at the
+    // disk: for a loop over many small steps of one procedure. Does nothing for 0 times.
+    bool WriteRunTraceTimes(std::string_view procedure, std::string_view kind, std::int32_t times);
+
     // Writes record 1 of a new log file, or of one whose record 1 is unusable; other records stay.
     // False after a failure, shown in message boxes. Never raises.
     bool CreateRunLogFile(std::string_view fullName, std::int32_t capacity);
@@ -51,6 +55,8 @@ private:
         std::int32_t next = 0;
     };
 
+    bool write(std::string_view procedure, std::string_view kind, std::string_view text,
+               std::int32_t times);
     bool readHeader(platform::File& file, Header& header) const;
     void writeEntry(platform::File& file, std::int32_t record, std::string_view procedure,
                     std::string_view kind, std::string_view text);

@@ -171,6 +171,24 @@ TEST(Scrambler, TracesOneRecordForAllLines)
                 ElementsAre("PrFileEncrypt Start 1", "LineReverse End 6", "PrFileEncrypt End 1"));
 }
 
+// An entry is a write to the disk: one for each line would take seconds for a large profile.
+TEST(Scrambler, TracesALargeFileWithNoMoreWritesThanASmallOne)
+{
+    std::size_t calls[2] = {};
+    for (const std::size_t lines : {1U, 500U}) {
+        StoreRig rig;
+        std::string text;
+        for (std::size_t i = 0; i < lines; ++i)
+            text += "a\r\n";
+        rig.putFile(kProfile, text);
+        encrypt(rig);
+        EXPECT_TRUE(decrypt(rig));
+        calls[lines > 1 ? 1 : 0] = rig.traceDisk.script().callCount();
+    }
+    EXPECT_GT(calls[0], 0U);
+    EXPECT_EQ(calls[1], calls[0]);
+}
+
 TEST(Scrambler, NamesTheLinesThatWillNotComeBackInResultAndTrace)
 {
     StoreRig rig;

@@ -105,6 +105,39 @@ TEST_F(RunTraceTest, TwoPairsInARowLeaveOneRecordWithRepeatCountFour)
     EXPECT_EQ(entry(2), "#2# ClearCollections End 4");
 }
 
+TEST_F(RunTraceTest, ManyCallsAtOnceLeaveWhatTheyWouldOneByOne)
+{
+    write("PrFileEncrypt", "Start");
+    rig.traceScript.reset();
+    EXPECT_TRUE(trace.WriteRunTraceTimes("LineReverse", "End", 6));
+    const std::size_t calls = rig.traceScript.callCount();
+    EXPECT_EQ(entry(3), "#3# LineReverse End 6");
+    EXPECT_EQ(record(1), header("25000", "4"));
+    rig.traceScript.reset();
+    EXPECT_TRUE(trace.WriteRunTraceTimes("LineReverse", "End", 2000));
+    EXPECT_EQ(entry(3), "#3# LineReverse End 2006");
+    EXPECT_EQ(record(1), header("25000", "4"));
+    EXPECT_EQ(rig.traceScript.callCount(), calls);
+}
+
+TEST_F(RunTraceTest, NoCallsAtOnceLeaveNothing)
+{
+    write("PrFileEncrypt", "Start");
+    const std::string before = log();
+    EXPECT_TRUE(trace.WriteRunTraceTimes("LineReverse", "End", 0));
+    EXPECT_EQ(log(), before);
+    write("PrFileEncrypt", "End"); // still the newest name
+    EXPECT_EQ(entry(2), "#2# PrFileEncrypt End 2");
+}
+
+TEST_F(RunTraceTest, CountStopsAtTheGreatestNumber)
+{
+    write("LineReverse", "Start");
+    EXPECT_TRUE(trace.WriteRunTraceTimes("LineReverse", "End", 2147483647));
+    write("LineReverse", "End");
+    EXPECT_EQ(entry(2), "#2# LineReverse End 2147483647");
+}
+
 TEST_F(RunTraceTest, AnotherNameTakesTheNextRecordAndCountsFromOne)
 {
     write("Outer", "Start");
