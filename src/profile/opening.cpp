@@ -123,12 +123,26 @@ private:
 std::string plainTextOf(OpeningContext& context, const std::string& location,
                         const std::string& name, std::string_view procedure)
 {
-    if (isGone(context, location + name, procedure) ||
-        !PrFileDecrypt(context.profiles, location, name))
+    if (isGone(context, location + name, procedure))
         return {};
-    std::string plainName = fmt::format("U{}.txt", name.substr(0, name.size() - kExtensionLength));
-    if (adoptPlainCopy(context.profiles.machine.fileSystem, location + plainName, name))
-        return plainName;
+    platform::FileSystem& fileSystem = context.profiles.machine.fileSystem;
+    const std::size_t stemLength = name.size() - std::min(name.size(), kExtensionLength);
+    std::string plainName = fmt::format("U{}.txt", name.substr(0, stemLength));
+    const auto dropCopy = [&] {
+        PendingError leftBehind; // it may hold a password
+        leftBehind.attempt([&] { fileSystem.removeFile(location + plainName); });
+    };
+    if (!PrFileDecrypt(context.profiles, location, name)) {
+        dropCopy();
+        return {};
+    }
+    try {
+        if (adoptPlainCopy(fileSystem, location + plainName, name))
+            return plainName;
+    } catch (const RuntimeError&) {
+        dropCopy();
+        throw;
+    }
     tellNotValid(context, name);
     return {};
 }

@@ -232,6 +232,7 @@ TEST_F(OpeningTest, FailingCallLeavesTheFormerProfileOrOpensTheNewOne)
             ++refused;
             EXPECT_EQ(state(), before) << call;
             EXPECT_THAT(rig.dialog.shown, testing::SizeIs(1)) << call;
+            EXPECT_FALSE(rig.disk.fileExists("C:\\App\\Profiles\\UA.txt")) << call;
             continue;
         }
         if (rig.dialog.shown.empty()) {
