@@ -260,8 +260,9 @@ void cmdOpen_Click(OpeningContext& context)
             former.drop();
             tellOpenAlready(context, row->text);
         } else {
-            const state::ListRow chosen = *row;
-            openProfile(context, chosen.sub, chosen.text, former, "cmdOpen_Click");
+            // Copies: a click on a column head while the profile is read moves the rows.
+            openProfile(context, std::string(row->sub), std::string(row->text), former,
+                        "cmdOpen_Click");
         }
     });
 }
