@@ -58,6 +58,9 @@ public:
     // To be told when values of kRunKey changed, by a desktop that starts programs by a list of its
     // own and keeps it like the key's. Does nothing where the key itself is what counts.
     virtual void runKeyChanged(Registry&) {}
+    // Notes a document, by its path, as opened just now among those that the person used last.
+    // Raises where the list cannot be written.
+    virtual void addRecentDocument(std::string_view path) = 0;
 };
 
 // An address of the internet's version 4, first byte first.

@@ -4,9 +4,7 @@
 #include "base/text.h"
 #include "platform/linux/native_text.h"
 
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -16,7 +14,6 @@ namespace vardelin::platform {
 namespace {
 
 namespace fs = std::filesystem;
-namespace number = base::error_number;
 
 constexpr std::string_view kPrefix = "vardelin-";
 constexpr std::string_view kSuffix = ".desktop";
@@ -82,37 +79,6 @@ std::string fileName(std::string_view valueName)
     return name + std::string(kSuffix);
 }
 
-[[noreturn]] void raise(const std::error_code& error, const std::string& path)
-{
-    const bool denied = error == std::errc::permission_denied ||
-                        error == std::errc::operation_not_permitted ||
-                        error == std::errc::read_only_file_system;
-    throw base::RuntimeError(denied ? number::kPermissionDenied : number::kDeviceIo, path,
-                             error.message());
-}
-
-// Beside the file first: a session that begins meanwhile reads the old entry or the new one.
-void replace(const std::string& path, const std::string& text)
-{
-    if (readNativeFile(path) == text)
-        return;
-    const std::string temporary = path + ".new";
-    errno = 0;
-    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
-    stream << text;
-    stream.close();
-    std::error_code error;
-    if (!stream)
-        error = std::error_code(errno != 0 ? errno : EIO, std::generic_category());
-    else
-        fs::rename(temporary, path, error);
-    if (error) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
-        raise(error, path);
-    }
-}
-
 } // namespace
 
 void mirrorRunKey(Registry& registry, const FileSystem& fileSystem, const std::string& configFolder)
@@ -133,7 +99,7 @@ void mirrorRunKey(Registry& registry, const FileSystem& fileSystem, const std::s
     if (!wanted.empty()) {
         fs::create_directories(folder, error);
         if (error)
-            raise(error, folder);
+            raiseFileError(error, folder);
     }
     for (const auto& entry : fs::directory_iterator(folder, error)) {
         const std::string name = entry.path().filename().string();
@@ -142,10 +108,10 @@ void mirrorRunKey(Registry& registry, const FileSystem& fileSystem, const std::s
         std::error_code undeleted;
         fs::remove(entry.path(), undeleted);
         if (undeleted)
-            raise(undeleted, entry.path().string());
+            raiseFileError(undeleted, entry.path().string());
     }
     for (const auto& [name, text] : wanted)
-        replace((fs::path(folder) / name).string(), text);
+        replaceNativeFile((fs::path(folder) / name).string(), text);
 }
 
 } // namespace vardelin::platform

@@ -4,8 +4,10 @@
 #include "base/text.h"
 #include "platform/linux/autostart.h"
 #include "platform/linux/native_text.h"
+#include "platform/linux/recent_documents.h"
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <utility>
 
@@ -191,6 +193,16 @@ void LinuxShell::runKeyChanged(Registry& registry)
 {
     if (!m_folders.home.empty())
         mirrorRunKey(registry, m_fileSystem, m_folders.config);
+}
+
+void LinuxShell::addRecentDocument(std::string_view path)
+{
+    if (m_folders.data.empty())
+        return;
+    const std::string_view name = base::afterLast(path, "\\");
+    const std::string type = m_types.typeOf("." + std::string(base::afterLast(name, ".")));
+    noteRecentDocument(m_folders.data.front(), m_fileSystem.toNative(path), type,
+                       std::time(nullptr));
 }
 
 } // namespace vardelin::platform

@@ -41,6 +41,8 @@ public:
     std::vector<std::string> settingsPaths(std::string_view group) override;
     // Keeps the autostart entries like the key (platform/linux/autostart.h).
     void runKeyChanged(Registry& registry) override;
+    // In `recently-used.xbel` (platform/linux/recent_documents.h).
+    void addRecentDocument(std::string_view path) override;
 
 private:
     FileSystem& m_fileSystem;

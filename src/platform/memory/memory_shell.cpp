@@ -43,6 +43,12 @@ void MemoryShell::runKeyChanged(Registry&)
     script().enter("shell.runKeyChanged", {});
 }
 
+void MemoryShell::addRecentDocument(std::string_view path)
+{
+    script().enter("shell.addRecentDocument", path);
+    recentDocuments.emplace_back(path);
+}
+
 MemoryShell::Type MemoryShell::typeOf(std::string_view extension) const
 {
     const auto hit = types.find(base::lowerAscii(extension));

@@ -20,6 +20,7 @@ public:
                                       {".jpg", {"JPEG image", "image-x-generic"}},
                                       {".txt", {"Plain text document", "text-x-generic"}}};
     std::vector<std::string> documentLines;
+    std::vector<std::string> recentDocuments; // in the order in which they were noted
     std::map<std::string, std::vector<std::string>> settings; // by the group's exact name
 
     std::string typeName(std::string_view extension) override;
@@ -28,6 +29,7 @@ public:
     std::vector<std::string> defaultDocumentLines() override;
     std::vector<std::string> settingsPaths(std::string_view group) override;
     void runKeyChanged(Registry& registry) override; // a call of the script and no more
+    void addRecentDocument(std::string_view path) override;
 
 private:
     Type typeOf(std::string_view extension) const;
