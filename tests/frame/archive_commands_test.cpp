@@ -1,0 +1,414 @@
+#include "frame/archive_commands.h"
+
+#include "frame_rig.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vardelin::frame {
+namespace {
+
+using platform::Answer;
+using test::FrameRig;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+// What an engine was asked, and what it answers.
+struct EngineScript {
+    int made = 0;
+    std::vector<std::string> runs;
+    int totalUnits = 0;
+    bool cancelRequested = false;
+    bool noFiles = false;
+    bool missed = false;
+    std::function<void(engine::EngineEvents&)> during = [](engine::EngineEvents&) {};
+};
+
+class ScriptedEngine final : public runs::BackupEngine {
+public:
+    ScriptedEngine(EngineScript& script, engine::EngineEvents& events)
+        : m_script(script), m_events(events)
+    {
+        ++script.made;
+    }
+    void EngineBackup(std::string_view folder, std::string_view name, bool& success) override
+    {
+        m_script.runs.push_back(std::string(folder) + "|" + std::string(name));
+        m_script.during(m_events);
+        success = true;
+    }
+    int TotalUnits() const override { return m_script.totalUnits; }
+    bool CancelRequested() const override { return m_script.cancelRequested; }
+    void CancelRequested(bool value) override { m_script.cancelRequested = value; }
+    bool NoFilesIdentified() const override { return m_script.noFiles; }
+    void NoFilesIdentified(bool value) override { m_script.noFiles = value; }
+    bool MissedFiles() const override { return m_script.missed; }
+
+private:
+    EngineScript& m_script;
+    engine::EngineEvents& m_events;
+};
+
+class Passwords final : public runs::PasswordWindow {
+public:
+    int shown = 0;
+    std::function<void(state::frmResPwd&)> person = [](state::frmResPwd&) {};
+    void showReviewPassword(state::frmResPwd& form) override
+    {
+        ++shown;
+        person(form);
+    }
+    void setFocus(std::string_view) override {}
+};
+
+struct ArchiveCommands : testing::Test, FrameRig {
+    EngineScript engine;
+    state::frmCancel cancel;
+    runs::BackupState run;
+    runs::BackupContext backup{
+        scripted, context, frame, cancel, run, [this](engine::EngineEvents& events) {
+            return std::make_unique<ScriptedEngine>(engine, events);
+        }};
+    Passwords passwords;
+    state::frmVDStorage storage;
+    bool reviewIsOpen = false;
+    int loads = 0;
+    bool hasArchive = true;
+    ReviewCommandContext review{passwords, storage,
+                                [this] {
+                                    ++loads;
+                                    EXPECT_FALSE(mainForm.Toolbar1Enabled);
+                                    storage.loaded = hasArchive;
+                                },
+                                reviewIsOpen};
+
+    ArchiveCommands() { savedProfile("Work"); }
+
+    void backUp() { mnuBackup_Click(commands, backup); }
+    void openReview() { mnuBkpSto_Click(commands, review); }
+    std::vector<std::string> texts() const { return messageBoxes.texts(); }
+    void makeArchive()
+    {
+        disk.createFolders("E:\\Backup\\Work\\D");
+        putFile("E:\\Backup\\Work\\D\\a_FULL_x", "x");
+    }
+};
+
+// ---- a backup
+
+TEST_F(ArchiveCommands, ABackupRunsTheSavedProfile)
+{
+    formWindow.SSTab1 = 2;
+    engine.during = [&](engine::EngineEvents&) {
+        EXPECT_TRUE(cancel.loaded && cancel.visible);
+        EXPECT_EQ(cancel.caption, "Vardelin");
+        EXPECT_EQ(frame.panel1.text, "Backup is going on...");
+        EXPECT_FALSE(mainForm.Toolbar1Enabled || mainForm.mnuFile.enabled);
+        EXPECT_FALSE(mainForm.maximizeBox);
+        EXPECT_NE(run.objBackUp, nullptr);
+    };
+    backUp();
+
+    EXPECT_THAT(engine.runs, ElementsAre("C:\\App\\Profiles\\|Work.vdp"));
+    EXPECT_EQ(engine.made, 1);
+    EXPECT_THAT(texts(), ElementsAre("Backup is completed successfully"));
+    EXPECT_EQ(boxes()[0].title, "Vardelin");
+    EXPECT_EQ(frame.panel1.text, "Backup is completed");
+    EXPECT_EQ(mainForm.Toolbar1(8).toolTip, "BackupNow");
+    EXPECT_EQ(formWindow.SSTab1, 0);
+    EXPECT_FALSE(cancel.loaded || cancel.visible);
+    EXPECT_TRUE(mainForm.Toolbar1Enabled && mainForm.mnuFile.enabled && mainForm.maximizeBox);
+    EXPECT_EQ(run.objBackUp, nullptr) << "an engine lives as long as its run";
+}
+
+// Its beginning and its end stand under two names in the trace.
+TEST_F(ArchiveCommands, ABackupIsTracedUnderTwoNames)
+{
+    backUp();
+    EXPECT_THAT(entries(), Contains(StartsWith("mnuBackup_Click Start")));
+    EXPECT_THAT(entries(), Contains(StartsWith("mnurun_Click End")));
+}
+
+TEST_F(ArchiveCommands, AProfileThatWasNeverSavedRunsNothing)
+{
+    newProfile();
+    answer({Answer::No});
+    backUp();
+    EXPECT_THAT(texts(), Contains("New Profile (or) Edit Profile hasn't been saved to run Backup"));
+    EXPECT_THAT(engine.runs, IsEmpty());
+    EXPECT_FALSE(cancel.loaded);
+}
+
+TEST_F(ArchiveCommands, AChangeIsSavedFirstOrNot)
+{
+    change();
+    answer({Answer::No});
+    backUp();
+    EXPECT_EQ(engine.runs.size(), 1U) << "the file as it was last saved";
+
+    change();
+    answer({Answer::Yes});
+    backUp();
+    EXPECT_EQ(engine.runs.size(), 2U);
+    EXPECT_FALSE(frame.BL_Edit_Changed);
+}
+
+TEST_F(ArchiveCommands, ARefusedSaveStopsTheBackup)
+{
+    change();
+    record.txtDestLoc.text.clear();
+    answer({Answer::Yes, Answer::No}); // save; not in the default folder
+    backUp();
+    EXPECT_THAT(engine.runs, IsEmpty());
+    EXPECT_FALSE(frame.BL_Save_Blocked);
+    EXPECT_EQ(formWindow.SSTab1, 1) << "the tab that shows what is missing";
+}
+
+TEST_F(ArchiveCommands, AProfileFromMediaRunsFromItsWorkingCopy)
+{
+    frame.BL_Remote_Profile = true;
+    frame.ST_Current_Profile_Path = "F:\\media\\Far.vdp";
+    backUp();
+    EXPECT_THAT(engine.runs, ElementsAre("C:\\App\\Profiles\\|Far.vdp"));
+}
+
+TEST_F(ArchiveCommands, EachOutcomeHasItsMessages)
+{
+    constexpr std::string_view kGaps =
+        "Backup is completed successfully, But some files are missed during Backup\r\nThis may "
+        "because of deleting some files\r\nCheck the Backup log to get the missed file names";
+    engine.missed = true;
+    backUp();
+    EXPECT_THAT(texts(), ElementsAre(kGaps));
+
+    // An idle run shows three texts in turn: the panel, and two boxes.
+    clearBoxes();
+    engine.missed = false;
+    engine.noFiles = true;
+    backUp();
+    EXPECT_THAT(texts(),
+                ElementsAre("Backup is completed successfully", "No files identified to Backup"));
+    EXPECT_FALSE(engine.noFiles);
+    EXPECT_EQ(frame.panel1.text, "");
+
+    clearBoxes();
+    engine.cancelRequested = true;
+    engine.missed = true;
+    backUp();
+    EXPECT_THAT(texts(), IsEmpty()) << "a cancelled run shows no outcome";
+    EXPECT_EQ(frame.panel1.text, "");
+
+    engine.noFiles = true;
+    backUp();
+    EXPECT_THAT(texts(), ElementsAre("No files identified to Backup"));
+}
+
+TEST_F(ArchiveCommands, AnErrorOfTheEngineOpensTheFrameAgain)
+{
+    engine.during = [](engine::EngineEvents&) {
+        throw base::RuntimeError(base::error_number::kDiskFull, "E:\\Backup");
+    };
+    backUp();
+    ASSERT_EQ(dialog.shown.size(), 1U);
+    EXPECT_EQ(dialog.shown[0].txtSysErrNo.text, "61");
+    EXPECT_THAT(entries(), Contains(StartsWith("mnuRun_Click Error")));
+    EXPECT_THAT(texts(), IsEmpty());
+    EXPECT_TRUE(mainForm.Toolbar1Enabled);
+    EXPECT_FALSE(cancel.loaded);
+    EXPECT_EQ(run.objBackUp, nullptr);
+}
+
+TEST_F(ArchiveCommands, TheBarTakesIncrementsAndNeverOverflows)
+{
+    engine.during = [&](engine::EngineEvents& events) {
+        events.ProStatus(5); // no total is known yet
+        EXPECT_EQ(cancel.pbBkp.value, 5);
+        EXPECT_EQ(cancel.pbBkp.maximum, 100);
+        engine.totalUnits = 40;
+        events.ProStatus(10);
+        EXPECT_EQ(cancel.pbBkp.value, 10) << "another total begins anew";
+        EXPECT_EQ(cancel.pbBkp.maximum, 40);
+        events.ProStatus(12.5);
+        EXPECT_EQ(cancel.pbBkp.value, 22.5);
+        engine.totalUnits = 50;
+        events.ProStatus(1);
+        EXPECT_EQ(cancel.pbBkp.value, 1);
+        events.ProStatus(1000);
+        events.ProStatus(1);
+        EXPECT_EQ(cancel.pbBkp.value, 50);
+        EXPECT_EQ(cancel.remainingSeconds, 0);
+    };
+    backUp();
+}
+
+TEST_F(ArchiveCommands, TheFormShowsNamesCountsAndTime)
+{
+    engine.during = [&](engine::EngineEvents& events) {
+        engine.totalUnits = 100;
+        events.FileProStatus("D:\\a");
+        events.FileProStatus("D:\\a"); // the same large file goes on
+        events.FileProStatus("D:\\b");
+        EXPECT_EQ(cancel.lblBkpFileNames.caption, "D:\\b");
+        EXPECT_EQ(cancel.files, 2U);
+        clock.advance(std::chrono::seconds(10));
+        events.ProStatus(25);
+        EXPECT_DOUBLE_EQ(cancel.elapsedSeconds, 10);
+        EXPECT_DOUBLE_EQ(cancel.remainingSeconds, 30);
+    };
+    backUp();
+}
+
+TEST_F(ArchiveCommands, CancelReachesTheEngineAtTheNextFileAndAsksOnce)
+{
+    engine.during = [&](engine::EngineEvents& events) {
+        answer({Answer::No, Answer::Yes});
+        runs::cmdCancel_Click(backup);
+        events.FileProStatus("D:\\a");
+        EXPECT_FALSE(engine.cancelRequested);
+        runs::cmdCancel_Click(backup);
+        EXPECT_FALSE(engine.cancelRequested) << "not before the next file";
+        events.FileProStatus("D:\\b");
+        EXPECT_TRUE(engine.cancelRequested);
+        EXPECT_FALSE(run.BL_Cancel_Pressed);
+        events.FileProStatus("D:\\c");
+    };
+    backUp();
+    EXPECT_THAT(texts(), ElementsAre("Do you want to cancel the Backup process?",
+                                     "Do you want to cancel the Backup process?"));
+}
+
+TEST_F(ArchiveCommands, TheCloseBoxAsksAndTheFormMayGoBeforeTheRun)
+{
+    engine.during = [&](engine::EngineEvents& events) {
+        answer({Answer::No, Answer::Yes});
+        EXPECT_FALSE(runs::Form_QueryUnload(backup));
+        EXPECT_TRUE(cancel.loaded);
+        EXPECT_TRUE(runs::Form_QueryUnload(backup));
+        EXPECT_FALSE(cancel.loaded);
+        events.FileProStatus("D:\\a"); // there is no form to show it
+        events.ProStatus(3);
+        EXPECT_TRUE(engine.cancelRequested);
+        EXPECT_EQ(cancel.lblBkpFileNames.caption, "");
+    };
+    backUp();
+    EXPECT_THAT(texts().size(), 2U);
+}
+
+// A click behind the last file of one run must not end the next.
+TEST_F(ArchiveCommands, ALateCancelDoesNotReachTheNextRun)
+{
+    engine.during = [&](engine::EngineEvents&) {
+        answer({Answer::Yes});
+        runs::cmdCancel_Click(backup);
+    };
+    backUp();
+    engine.during = [](engine::EngineEvents& events) { events.FileProStatus("D:\\a"); };
+    clearBoxes();
+    backUp();
+    EXPECT_FALSE(engine.cancelRequested);
+    EXPECT_THAT(texts(), ElementsAre("Backup is completed successfully"));
+}
+
+TEST_F(ArchiveCommands, AMissingAnimationShowsNothing)
+{
+    engine.during = [&](engine::EngineEvents&) { EXPECT_EQ(cancel.animation, ""); };
+    backUp();
+    putFile("C:\\App\\Compress_ani.gif", "GIF89a");
+    engine.during = [&](engine::EngineEvents&) {
+        EXPECT_EQ(cancel.animation, "C:\\App\\Compress_ani.gif");
+    };
+    backUp();
+}
+
+TEST_F(ArchiveCommands, ASecondCommandDuringABackupDoesNothing)
+{
+    engine.during = [&](engine::EngineEvents&) {
+        backUp();
+        openReview();
+    };
+    backUp();
+    EXPECT_EQ(engine.runs.size(), 1U);
+    EXPECT_EQ(loads, 0);
+}
+
+// ---- the review
+
+TEST_F(ArchiveCommands, TheReviewOpensBehindThePassword)
+{
+    makeArchive();
+    openReview();
+    EXPECT_EQ(loads, 1);
+    EXPECT_EQ(passwords.shown, 0);
+    EXPECT_TRUE(reviewIsOpen && storage.visible);
+    EXPECT_EQ(storage.caption, "Restore - 'Work 'Profile");
+    EXPECT_EQ(frame.panel1.text, "Reviewing Backup data...");
+    EXPECT_TRUE(mainForm.Toolbar1Enabled);
+    EXPECT_FALSE(mainForm.Toolbar1(3).enabled || mainForm.Toolbar1(4).enabled ||
+                 mainForm.Toolbar1(5).enabled);
+    EXPECT_TRUE(mainForm.Toolbar1(11).enabled && mainForm.mnuProfile.enabled);
+
+    storage.visible = false;
+    openReview();
+    EXPECT_EQ(loads, 1) << "an open review is not built anew";
+    EXPECT_TRUE(storage.visible);
+}
+
+TEST_F(ArchiveCommands, AReviewNeedsASavedProfile)
+{
+    newProfile();
+    answer({Answer::No});
+    openReview();
+    EXPECT_THAT(texts(), Contains("New Profile (or) Edit Profile hasn't been saved or Backedup to "
+                                  "review Archive"));
+    EXPECT_EQ(loads, 0);
+}
+
+TEST_F(ArchiveCommands, WithoutABackupTheReviewStaysShut)
+{
+    openReview();
+    EXPECT_THAT(texts(), ElementsAre("Backup does not exist for this profile"));
+    EXPECT_EQ(loads, 0);
+    EXPECT_EQ(frame.panel1.text, "");
+
+    makeArchive();
+    hasArchive = false; // gone meanwhile
+    openReview();
+    EXPECT_FALSE(reviewIsOpen || storage.visible);
+    EXPECT_TRUE(mainForm.Toolbar1Enabled);
+}
+
+TEST_F(ArchiveCommands, APasswordKeepsTheReviewShut)
+{
+    makeArchive();
+    record.chkPassword.value = 1;
+    record.txtPassWord.text = "secret";
+    record.cmbHintQues.text = "Favorite Pet's Name?";
+    record.txtHintAns.text = "rex";
+    frame::markChanged(frame);
+    mnuSave_Click(commands);
+    clearBoxes();
+
+    openReview();
+    EXPECT_EQ(passwords.shown, 1);
+    EXPECT_EQ(loads, 0);
+    EXPECT_EQ(frame.panel1.text, "");
+
+    passwords.person = [&](state::frmResPwd& asked) {
+        asked.txtRespwd.text = "secret";
+        runs::PasswordGateContext gate{profiles, passwords, frame.ST_Current_Profile_Path};
+        runs::cmdOk_Click(gate, asked);
+    };
+    openReview();
+    EXPECT_EQ(loads, 1);
+}
+
+} // namespace
+} // namespace vardelin::frame
