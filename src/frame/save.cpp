@@ -203,10 +203,12 @@ void saveUnderNewName(FrameContext& context, bool& saved)
     enableSaved(context.main);
     frame.ST_Last_Saved_Profile = name;
     takeFlagsBack(context, frame.BL_New_Changed, pause);
+    // Or a profile that went back to its media and has no name here.
+    if (frame.BL_New_Mode || frame.ST_Current_Profile.empty())
+        frame.ST_Current_Profile = name;
     if (frame.BL_New_Mode) {
         frame.BL_New_Mode = false;
         frame.BL_Edit_Mode = true;
-        frame.ST_Current_Profile = name;
     }
     frame.ST_Current_Profile_Path = profilePath(context, name);
     // The new profile has no archive yet that the password or the destination could leave behind.
@@ -237,8 +239,9 @@ void renewArchiveCopy(FrameContext& context, const std::string& name)
 {
     FrameState& frame = context.profiles.frame;
     const state::ProfileScalars& scalars = context.profiles.store.scalars;
-    const bool passwordTouched =
-        std::exchange(frame.bPwdChangeMode, false) | std::exchange(frame.bPwdConfirmMode, false);
+    const bool passwordTouched = frame.bPwdChangeMode || frame.bPwdConfirmMode;
+    frame.bPwdChangeMode = false;
+    frame.bPwdConfirmMode = false;
     const bool encrypts = context.profiles.editor.chkEncrypt.value == 1;
     if (!passwordTouched && encrypts == scalars.bEncryptFiles)
         return;

@@ -173,6 +173,11 @@ TEST(CopyBack, AProfileThatWentBackIsSavedUnderANewName)
     EXPECT_EQ(rig.disk.readAll(FrameRig::pathOf("Work.vdp")), "local");
     EXPECT_TRUE(rig.isSaved("Mine.vdp"));
     EXPECT_EQ(rig.modes(), "E");
+    EXPECT_EQ(rig.frame.ST_Current_Profile, "Mine.vdp");
+    rig.change();
+    mnuSave_Click(rig.commands);
+    EXPECT_EQ(rig.modes(), "E");
+    EXPECT_TRUE(rig.windows.inRestDialog.empty());
 }
 
 TEST(CopyBack, ExitAsksBehindTheRecentEntry)
