@@ -236,6 +236,17 @@ void MainWindow::addForm(QWidget* form)
     m_area->setCurrentWidget(form);
 }
 
+void MainWindow::raiseForm(QWidget& form)
+{
+    m_area->setCurrentWidget(&form);
+}
+
+void MainWindow::showForm(QWidget& form, bool visible)
+{
+    if (m_area->currentWidget() == &form)
+        form.setVisible(visible);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     // Whether the program ends is the command's matter.

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include <QMainWindow>
@@ -34,6 +35,14 @@ public:
     // Shows a form in the frame's area, as large as that is, in front of the others. The area takes
     // the widget over.
     void addForm(QWidget* form);
+
+    // Of a form that the area holds: puts it in front of the others, and shows or hides it where it
+    // is in front.
+    void raiseForm(QWidget& form);
+    void showForm(QWidget& form, bool visible);
+
+    // Runs whenever the records are shown.
+    void also(std::function<void()> show) { m_shows.push_back(std::move(show)); }
 
 protected:
     void closeEvent(QCloseEvent* event) override;

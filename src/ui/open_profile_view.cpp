@@ -3,21 +3,25 @@
 #include "ui/tick_table.h"
 #include "ui/widgets.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace vardelin::ui {
 namespace {
 
-constexpr int kLetters = 96;     // the width of the list, in letters
-constexpr int kNameLetters = 30; // of its first column
-constexpr int kDateLetters = 24; // of its last one
-constexpr int kListRows = 16;    // rows of the list that are seen at once
+constexpr int kLetters = 88;       // the least width of the list, in letters
+constexpr int kWideLetters = 124;  // its width at first, where the screen has room for it
+constexpr double kOfScreen = 0.85; // the most of its width
+constexpr int kNameLetters = 28;   // the width of the first column
+constexpr int kListRows = 16;      // rows of the list that are seen at once
+constexpr int kCellRoom = 24;      // pixels that a cell has beside its text
 
 } // namespace
 
@@ -29,6 +33,7 @@ OpenProfileView::OpenProfileView(state::frmOpenProfile& form, OpenProfileHandler
     auto* label = named<QLabel>("Label1");
     auto* list = named<TickTable>("lstOpen");
     label->setBuddy(list);
+    list->setAccessibleName(QStringLiteral("Profiles"));
     m_binder.label(*label, form.Label1);
     m_binder.checkList(*list, form.lstOpen,
                        {QStringLiteral("Name of the Profiles"), QStringLiteral("Profile Location"),
@@ -44,7 +49,9 @@ OpenProfileView::OpenProfileView(state::frmOpenProfile& form, OpenProfileHandler
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(1, QHeaderView::Stretch);
     list->header()->resizeSection(0, letter * kNameLetters);
-    list->header()->resizeSection(2, letter * kDateLetters);
+    const int date =
+        list->fontMetrics().horizontalAdvance(QStringLiteral("88-88-8888 88:88:88 MM"));
+    list->header()->resizeSection(2, date + kCellRoom);
 
     auto* open = named<QPushButton>("cmdOpen");
     auto* close = named<QPushButton>("cmdClose");
@@ -56,6 +63,8 @@ OpenProfileView::OpenProfileView(state::frmOpenProfile& form, OpenProfileHandler
     layout->setStretch(1, 1);
     setLayout(layout);
     addButtons(*layout, {open, close}, select);
+    const int most = static_cast<int>(screen()->availableGeometry().width() * kOfScreen);
+    resize(sizeHint().expandedTo({std::min(letter * kWideLetters, most), 0}));
     m_binder.show();
 }
 

@@ -1,11 +1,11 @@
 #include "ui/password_view.h"
 
+#include "ui/look.h"
 #include "ui/shown_text.h"
 #include "ui/widgets.h"
 
 #include <utility>
 
-#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -14,7 +14,7 @@
 namespace vardelin::ui {
 namespace {
 
-constexpr int kLetters = 36; // the width of a box, in letters
+constexpr int kLetters = 48; // the width of a box, in letters
 
 } // namespace
 
@@ -23,25 +23,28 @@ PasswordView::PasswordView(state::frmResPwd& form, PasswordHandlers handlers, QW
 {
     // A new password's boxes stand around the first one: the old password above it, the repetition
     // below.
-    auto* grid = new QGridLayout;
-    grid->setColumnStretch(1, 1);
-    addBox(*grid, "lblNewPass", form.lblNewPass, "txtNewPass", form.txtNewPass);
-    addBox(*grid, "Label1", form.Label1, "txtRespwd", form.txtRespwd);
-    addBox(*grid, "lblconfirm", form.lblconfirm, "txtconfirm", form.txtconfirm);
-    grid->addWidget(forgotten(form.lblForgotPwd, std::move(handlers.lblForgotPwd_Click)), 3, 1,
-                    Qt::AlignLeft);
+    auto* layout = new QVBoxLayout(this);
+    addBox(*layout, "lblNewPass", form.lblNewPass, "txtNewPass", form.txtNewPass);
+    addBox(*layout, "Label1", form.Label1, "txtRespwd", form.txtRespwd);
+    addBox(*layout, "lblconfirm", form.lblconfirm, "txtconfirm", form.txtconfirm);
+    layout->addWidget(forgotten(form.lblForgotPwd, std::move(handlers.lblForgotPwd_Click)), 0,
+                      Qt::AlignLeft);
+    layout->addStretch();
     auto* accept = named<QPushButton>("cmdOk");
     auto* cancel = named<QPushButton>("cmdCancel");
     m_binder.button(*accept, form.cmdOk, std::move(handlers.cmdOk_Click));
     m_binder.button(*cancel, form.cmdCancel, std::move(handlers.cmdCancel_Click));
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(grid);
-    layout->addStretch();
     addButtons(*layout, {accept, cancel});
+    // A longer question, or one box more, takes its room while the window is open.
+    m_binder.also([this, layout] {
+        const QSize need(width(), layout->totalHeightForWidth(width()));
+        if (isVisible())
+            resize(size().expandedTo(need));
+    });
     m_binder.show();
 }
 
-void PasswordView::addBox(QGridLayout& grid, const char* labelName, state::Label& label,
+void PasswordView::addBox(QVBoxLayout& layout, const char* labelName, state::Label& label,
                           const char* boxName, state::TextBox& box)
 {
     auto* caption = named<QLabel>(labelName);
@@ -53,9 +56,8 @@ void PasswordView::addBox(QGridLayout& grid, const char* labelName, state::Label
     m_binder.textBox(*widget, box, {});
     // A caption may be a hint's question, which is long.
     caption->setWordWrap(true);
-    const int row = grid.count() / 2;
-    grid.addWidget(caption, row, 0);
-    grid.addWidget(widget, row, 1);
+    layout.addWidget(caption);
+    layout.addWidget(widget);
 }
 
 QPushButton* PasswordView::forgotten(state::Label& label, Handler click)
@@ -65,9 +67,10 @@ QPushButton* PasswordView::forgotten(state::Label& label, Handler click)
     link->setFlat(true);
     link->setAutoDefault(false);
     link->setCursor(Qt::PointingHandCursor);
-    link->setStyleSheet(QStringLiteral(
-        "QPushButton { border: none; text-align: left; padding: 3px 0px; color: palette(link); }"
-        "QPushButton:focus, QPushButton:hover { text-decoration: underline; }"));
+    link->setStyleSheet(QStringLiteral("QPushButton { border: none; padding: 3px 0px; color: %1; }"
+                                       "QPushButton:focus, QPushButton:hover "
+                                       "{ text-decoration: underline; }")
+                            .arg(linkColour(palette()).name()));
     connect(link, &QPushButton::clicked, this,
             [this, click = std::move(click)] { m_binder.run(click); });
     m_binder.also([link, &label] {

@@ -3,10 +3,10 @@
 #include "state/password_form.h"
 #include "ui/modal_form.h"
 
-class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QVBoxLayout;
 
 namespace vardelin::ui {
 
@@ -28,8 +28,8 @@ public:
     PasswordView(state::frmResPwd& form, PasswordHandlers handlers, QWidget* parent = nullptr);
 
 private:
-    void addBox(QGridLayout& grid, const char* labelName, state::Label& label, const char* boxName,
-                state::TextBox& box);
+    void addBox(QVBoxLayout& layout, const char* labelName, state::Label& label,
+                const char* boxName, state::TextBox& box);
     QPushButton* forgotten(state::Label& label, Handler click);
 };
 

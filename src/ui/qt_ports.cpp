@@ -2,7 +2,7 @@
 
 #include "ui/shown_text.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QMessageBox>
 
 namespace vardelin::ui {
@@ -45,8 +45,11 @@ QMessageBox::StandardButtons buttonsOf(Buttons buttons)
 Answer QtMessageBoxes::show(std::string_view text, std::string_view title, Buttons buttons,
                             Icon icon)
 {
+    // In front of the form that asks, which may be modal itself.
+    QWidget* const modal = QApplication::activeModalWidget();
+    QMessageBox box(iconOf(icon), shown(title), shownLines(text), buttonsOf(buttons),
+                    modal != nullptr ? modal : m_parent);
     // Plain text: a path may hold what looks like markup.
-    QMessageBox box(iconOf(icon), shown(title), shownLines(text), buttonsOf(buttons), m_parent);
     box.setTextFormat(Qt::PlainText);
     switch (box.exec()) {
     case QMessageBox::Yes:

@@ -1,3 +1,5 @@
+#include "ui/look.h"
+
 #include <cstdlib>
 
 #include <gtest/gtest.h>
@@ -8,7 +10,7 @@ int main(int count, char** arguments)
 {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     testing::InitGoogleTest(&count, arguments);
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    const QApplication application(count, arguments);
+    QApplication application(count, arguments);
+    vardelin::ui::applyLook(application);
     return RUN_ALL_TESTS();
 }

@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QLabel>
 #include <QPalette>
 #include <QTest>
 #include <QTimer>
@@ -69,13 +70,32 @@ Widget& control(const QWidget& window, const char* name)
     return *widget;
 }
 
-// Keeps a picture of a widget under the build folder.
+// Keeps a picture of a widget under the build folder, those at another scale beside the others.
 inline void keepPicture(QWidget& widget, const std::string& name)
 {
     QDir().mkpath(QStringLiteral(VARDELIN_SCREENSHOTS));
     QCoreApplication::processEvents();
-    widget.grab().save(
-        QStringLiteral(VARDELIN_SCREENSHOTS "/%1.png").arg(QString::fromStdString(name)));
+    const double scale = widget.devicePixelRatioF();
+    widget.grab().save(QStringLiteral(VARDELIN_SCREENSHOTS "/%1%2.png")
+                           .arg(QString::fromStdString(name),
+                                scale > 1 ? QStringLiteral("-%1").arg(scale * 100) : QString()));
+}
+
+// Runs `look` in the light and the dark palette with small and large letters; `name` tells which.
+inline void inEveryLook(const std::function<void(const std::string& name)>& look)
+{
+    const QFont font = QApplication::font();
+    for (const bool dark : {false, true}) {
+        for (const int points : {9, 14}) {
+            QApplication::setPalette(dark ? darkPalette() : QPalette());
+            QFont sized = font;
+            sized.setPointSize(points);
+            QApplication::setFont(sized);
+            look(std::string(dark ? "dark-" : "light-") + std::to_string(points) + "pt");
+        }
+    }
+    QApplication::setPalette(QPalette());
+    QApplication::setFont(font);
 }
 
 // The names of visible children that have less room than they need to be read.
@@ -86,7 +106,9 @@ inline std::string clippedIn(QWidget& window)
         const QSize need = child->minimumSizeHint();
         if (qobject_cast<const QAbstractScrollArea*>(child) != nullptr)
             continue; // what does not fit can be scrolled to
-        const bool fits = child->width() >= need.width() && child->height() >= need.height();
+        const bool fits = child->width() >= need.width() && child->height() >= need.height() &&
+                          (qobject_cast<const QLabel*>(child) == nullptr ||
+                           child->height() >= child->heightForWidth(child->width()));
         if (child->isVisible() && !fits && !child->objectName().startsWith("qt_"))
             clipped +=
                 child->objectName().toStdString() + "(" + child->metaObject()->className() + ") ";
