@@ -45,11 +45,6 @@ bool isPlainMark(std::string_view mark)
            std::all_of(digits.begin(), digits.end(), isDigit);
 }
 
-bool lessBackwards(std::string_view a, std::string_view b)
-{
-    return std::lexicographical_compare(a.rbegin(), a.rend(), b.rbegin(), b.rend());
-}
-
 } // namespace
 
 std::string markOfTag(std::string_view tag)
@@ -72,10 +67,17 @@ ListedFolder::ListedFolder(platform::FileSystem& fileSystem, std::string_view pa
     });
     m_files.reserve(entries.size());
     for (const FolderEntry& entry : entries) {
-        m_files.push_back({m_names.size(), entry.name.size(), false});
+        const bool own = isOwn(entry.name);
+        m_files.push_back({m_names.size(), entry.name.size(), own, false});
+        m_remaining += own ? 0U : 1U;
         m_names += entry.name;
     }
     m_upperNames = base::upperAscii(m_names);
+    m_backwards = m_upperNames;
+    for (const Name& name : m_files) {
+        const auto first = m_backwards.begin() + static_cast<std::ptrdiff_t>(name.at);
+        std::reverse(first, first + static_cast<std::ptrdiff_t>(name.length));
+    }
     for (std::size_t file = 0; file < m_files.size(); ++file)
         noteMarks(file);
 }
@@ -88,6 +90,12 @@ std::string_view ListedFolder::name(std::size_t file) const
 std::string_view ListedFolder::upperName(std::size_t file) const
 {
     return std::string_view(m_upperNames).substr(m_files[file].at, m_files[file].length);
+}
+
+std::string_view ListedFolder::frontBackwards(const Place& place) const
+{
+    const Name& name = m_files[place.file];
+    return std::string_view(m_backwards).substr(name.at + name.length - place.at, place.at);
 }
 
 void ListedFolder::noteMarks(std::size_t file)
@@ -122,8 +130,7 @@ const std::vector<ListedFolder::Place>& ListedFolder::byHead(const std::string& 
         if (const auto* places = placesOf(upperMark))
             hit->second = *places;
         std::sort(hit->second.begin(), hit->second.end(), [&](const Place& a, const Place& b) {
-            return lessBackwards(upperName(a.file).substr(0, a.at),
-                                 upperName(b.file).substr(0, b.at));
+            return frontBackwards(a) < frontBackwards(b);
         });
     }
     return hit->second;
@@ -134,6 +141,7 @@ std::optional<std::size_t> ListedFolder::firstOfCopy(std::string_view head,
 {
     const std::string upperMark = base::upperAscii(mark);
     const std::string front = base::upperAscii(head) + "_";
+    const std::string wanted(front.rbegin(), front.rend());
     std::optional<std::size_t> first;
     const auto take = [&](std::size_t file) {
         if (!m_files[file].gone && (!first || file < *first))
@@ -148,14 +156,10 @@ std::optional<std::size_t> ListedFolder::firstOfCopy(std::string_view head,
         return first;
     }
     const auto& places = byHead(upperMark);
-    const auto frontOf = [&](const Place& place) {
-        return upperName(place.file).substr(0, place.at);
-    };
-    auto at = std::lower_bound(places.begin(), places.end(), std::string_view(front),
-                               [&](const Place& place, std::string_view text) {
-                                   return lessBackwards(frontOf(place), text);
-                               });
-    for (; at != places.end() && frontOf(*at).ends_with(front); ++at)
+    auto at = std::lower_bound(
+        places.begin(), places.end(), std::string_view(wanted),
+        [&](const Place& place, std::string_view text) { return frontBackwards(place) < text; });
+    for (; at != places.end() && frontBackwards(*at).starts_with(wanted); ++at)
         take(at->file);
     return first;
 }
@@ -196,20 +200,13 @@ void ListedFolder::remove(std::size_t file)
 {
     m_folder->removeFile(name(file));
     m_files[file].gone = true;
-}
-
-std::size_t ListedFolder::remainingFiles() const
-{
-    std::size_t count = 0;
-    for (std::size_t file = 0; file < m_files.size(); ++file)
-        count += !m_files[file].gone && !isOwn(name(file)) ? 1U : 0U;
-    return count;
+    m_remaining -= m_files[file].own ? 0U : 1U;
 }
 
 void ListedFolder::removeWhole()
 {
     for (std::size_t file = 0; file < m_files.size(); ++file) {
-        if (!m_files[file].gone && isOwn(name(file)))
+        if (m_files[file].own && !m_files[file].gone)
             remove(file);
     }
     m_fileSystem.removeFolder(m_folder->path());

@@ -39,15 +39,16 @@ public:
     void remove(std::size_t file);
 
     // What is left of files that somebody made: neither temporary ones nor the folder's own record.
-    std::size_t remainingFiles() const;
+    std::size_t remainingFiles() const noexcept { return m_remaining; }
     bool hasSubfolders() const { return m_subfolders; }
     // Deletes the folder with what remainingFiles() does not count. 75 where more is in it.
     void removeWhole();
 
 private:
     struct Name {
-        std::size_t at = 0; // in both texts
+        std::size_t at = 0; // in the texts of all names
         std::size_t length = 0;
+        bool own = false; // temporary, or the folder's record
         bool gone = false;
     };
     // One place of a mark in a name.
@@ -57,6 +58,8 @@ private:
     };
 
     std::string_view upperName(std::size_t file) const;
+    // What stands in front of a mark, from its end.
+    std::string_view frontBackwards(const Place& place) const;
     void noteMarks(std::size_t file);
     // Every place where the name of a mark stands, in the order of the files; null for none.
     const std::vector<Place>* placesOf(const std::string& upperMark) const;
@@ -66,7 +69,9 @@ private:
     std::unique_ptr<platform::Folder> m_folder;
     std::string m_names;
     std::string m_upperNames;
+    std::string m_backwards; // the same, each name from its end
     std::vector<Name> m_files;
+    std::size_t m_remaining = 0;
     bool m_subfolders = false;
     std::unordered_map<std::string, std::vector<Place>> m_places;
     // The same places, sorted by what stands in front of them, read backwards; made on demand.

@@ -44,8 +44,9 @@ struct ReviewContext {
 // it, and without it the load fails (53). A second look at such an archive needs a new backup.
 //
 // `loaded` of the form is false where there is no archive, which a message has told; an archive
-// folder with nothing in it is deleted. Lines whose tag is not of three digits get a row of their
-// own that cannot be opened; a third such line ends the load in the error tail, with no rows.
+// folder with nothing in it is deleted, unless a run holds it. Lines whose tag is not of three
+// digits get a row of their own that cannot be opened; a third such line ends the load in the error
+// tail, with no rows.
 void frmVDStorage_Load(ReviewContext& context);
 
 // A click on a row's state icon: opens a closed row, closes an open one, and does nothing on a row

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -64,6 +65,15 @@ void unload(ReviewContext& context, std::string_view reason)
     context.form.loaded = false;
 }
 
+// Not under a run that has made the folder and looks for its first file.
+void removeEmpty(platform::FileSystem& files, const std::string& root)
+{
+    std::unique_ptr<platform::FolderLock> lock;
+    base::PendingError held;
+    if (held.attempt([&] { lock = files.lockFolder(root); }))
+        files.removeFolder(root);
+}
+
 // Whether there is an archive to walk; the person has been told where there is none.
 bool findArchive(ReviewContext& context)
 {
@@ -74,7 +84,7 @@ bool findArchive(ReviewContext& context)
         return false;
     }
     if (files.openFolder(root)->list().empty()) {
-        files.removeFolder(root);
+        removeEmpty(files, root);
         unload(context, texts::kEmptyArchive);
         return false;
     }

@@ -153,6 +153,18 @@ TEST(ReviewLoad, DeletesAnArchiveWithNothingInIt)
     EXPECT_TRUE(rig.disk.folderExists("D:\\Backup"));
 }
 
+// A run has made it and looks for its first file, maybe started by a timetable.
+TEST(ReviewLoad, LeavesAnEmptyArchiveToTheRunThatHoldsIt)
+{
+    ReviewRig rig;
+    const auto run = rig.disk.lockFolder("D:\\Backup\\Work");
+    rig.load();
+    EXPECT_EQ(rig.messageBoxes.texts().size(), 1U);
+    EXPECT_FALSE(rig.form.loaded);
+    EXPECT_TRUE(rig.inStore(""));
+    EXPECT_THAT(rig.errorsShown(), IsEmpty());
+}
+
 TEST(ReviewLoad, OpensAnArchiveWithAFolderAlone)
 {
     ReviewRig rig;
