@@ -3,6 +3,7 @@
 #include "ui/shown_text.h"
 #include "ui/widgets.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QCheckBox>
@@ -28,6 +29,7 @@ namespace vardelin::ui {
 namespace {
 
 constexpr int kHelpLetters = 36;  // the width of the quick help, in letters
+constexpr int kHelpMargins = 48;  // pixels beside its headings, on both sides together
 constexpr int kNumberLetters = 9; // of a box for a few digits
 constexpr int kShortListRows = 7; // rows of a list that are seen at once
 constexpr int kDaily = 0;
@@ -444,7 +446,13 @@ QWidget* ProfileForm::retentionFrame()
 QWidget* ProfileForm::helpPanel()
 {
     auto* frame = named<QGroupBox>("Frame11", "Quick Help");
-    frame->setFixedWidth(frame->fontMetrics().averageCharWidth() * kHelpLetters);
+    // The widest heading stands out in bold at times and must not be cut then.
+    QFont bold = frame->font();
+    bold.setBold(true);
+    const int widest =
+        QFontMetrics(bold).horizontalAdvance(QStringLiteral("Execute & Retention Options"));
+    frame->setFixedWidth(
+        std::max(frame->fontMetrics().averageCharWidth() * kHelpLetters, widest + kHelpMargins));
     auto* layout = new QVBoxLayout(frame);
     auto* what = named<QLabel>("Label37");
     what->setWordWrap(true);
