@@ -33,10 +33,9 @@ struct MonitorContext {
     std::int64_t processId = 0;
 };
 
-enum ExitCode : int {
-    kEnded = 0,         // asked to end, or another instance runs
-    kNotRegistered = 1, // the registry or the lock cannot be used; the log says why
-};
+// Exit codes.
+inline constexpr int kEnded = 0;         // asked to end, or another instance runs
+inline constexpr int kNotRegistered = 1; // registry or lock cannot be used; the log says why
 
 // Waits until the program is asked to end and gives the name of what asked.
 using StopWait = std::function<std::string()>;
