@@ -99,6 +99,20 @@ TEST(ReviewRows, HoldTheirOwnChildrenAlone)
                                          "    -work", "       a_Org", "    +workshop", "    +x"));
 }
 
+// A line counts wherever the key stands in it; only a list that somebody wrote has such lines.
+TEST(ReviewRows, HoldWhatStandsBehindTheirKeyInALine)
+{
+    ReviewRig rig;
+    rig.profile.bCompressFiles = false;
+    rig.putFile("C:\\App\\Data\\ReviewFiles.txt", "Files And Folders\\C:\\a_000\r\n"
+                                                  "Files And Folders\\D:\\x\\C:\\b_000\r\n");
+    rig.load();
+    rig.click({kFiles, "C:\\"});
+    EXPECT_THAT(rig.shown(),
+                ElementsAre("-Files And Folders", "  -C:", "     a_Org", "     b_Org", "  +D:"));
+    EXPECT_EQ(rig.form.lstRestore[3].key, "D:\\x\\C:\\b_000");
+}
+
 // The marks on the items tell files from folders, with or without a dot in the name.
 TEST(ReviewRows, TellFilesFromFoldersWhateverTheirNames)
 {

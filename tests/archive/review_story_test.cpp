@@ -250,5 +250,22 @@ TEST(ReviewStory, OfForeignFilesAndAFolderThatVanishesTellsWhatIsThere)
     EXPECT_THAT(story.dialog.shown, IsEmpty());
 }
 
+// Without compression the list is a file that others can write; the disk would follow its dots.
+TEST(ReviewStory, OfAListThatSomebodyWroteDeletesNothingOutsideTheArchive)
+{
+    Story story(false);
+    story.write("data/a.txt", "a");
+    story.backUp();
+    story.write("store/precious/b.txt_FULL_1", "not in this archive");
+    story.write("app/Data/ReviewFiles.txt",
+                "Files And Folders\\C:\\..\\..\\precious\\b.txt_000\r\n");
+    frmVDStorage_Load(story.review);
+    story.click(
+        {"Files And Folders", "C:\\", "C:\\..\\", "C:\\..\\..\\", "C:\\..\\..\\precious\\"});
+    story.erase({"C:\\..\\", "C:\\..\\..\\precious\\", "C:\\..\\..\\precious\\b.txt_000"});
+    EXPECT_TRUE(fs::exists(story.native("store/precious/b.txt_FULL_1")));
+    EXPECT_EQ(story.copiesOf("a.txt"), 1U);
+}
+
 } // namespace
 } // namespace vardelin::archive
