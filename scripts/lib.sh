@@ -21,7 +21,7 @@ window_packages=(qt6-base-dev qt6-svg-dev)
 # shellcheck disable=SC2034
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev clang clang-format clang-tidy
-    acl attr e2fsprogs libcap2-bin
+    acl attr e2fsprogs libcap2-bin xvfb xdotool openbox
 )
 
 # A heading between the steps of a script; bold on a terminal.

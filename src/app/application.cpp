@@ -1,10 +1,9 @@
 #include "app/application.h"
 
 #include "app/editor_handlers.h"
-#include "ui/shown_text.h"
+#include "ui/frame_form_handlers.h"
 
-#include <QGuiApplication>
-#include <QScreen>
+#include <QCoreApplication>
 
 namespace vardelin::app {
 namespace {
@@ -22,44 +21,6 @@ platform::Machine with(platform::Machine machine, platform::MessageLoop& loop,
             machine.clock,      loop,           boxes};
 }
 
-void endProgram()
-{
-    QCoreApplication::exit();
-}
-
-// Device-independent pixels: all of a page is seen without scrolling, on small screens, too.
-constexpr QSize kFrameSize(1180, 680);
-
-// The editor's forms have no views yet: one that is to be shown is closed at once.
-class EditorWithoutForms final : public editor::EditorWindow {
-public:
-    void showOtherdata() override {}
-    void showResPwd(state::frmResPwd& form) override { form.loaded = false; }
-    std::string browseForFolder(std::string_view, std::string_view) override { return {}; }
-    void setFocus(std::string_view) override {}
-    void ensureVisible(std::string_view) override {}
-    void clearClipboard() override {}
-};
-
-class FrameWithoutForms final : public frame::FrameWindow {
-public:
-    void showRestDialog(state::frmRestDialog&) override {}
-    void showOpenProfile(profile::OpeningContext&) override {}
-    void showAbout() override {}
-    void unloadReview() override {}
-    void unloadLogs() override {}
-    void showEditor() override {}
-    void endApplication() override { endProgram(); }
-};
-
-class NoFileChooser final : public profile::FileChooser {
-public:
-    std::string chooseFile(std::string_view, std::string_view, std::string_view) override
-    {
-        return {};
-    }
-};
-
 } // namespace
 
 Application::Application(const Ports& ports)
@@ -68,87 +29,79 @@ Application::Application(const Ports& ports)
       trace{runTrace, errors, ports.errorDialog}, store(pathRule(ports.machine.fileSystem)),
       treeForm(pathRule(ports.machine.fileSystem)),
       m_runner(
-          trace, [this] { showRecords(); }, endProgram),
+          trace, [this] { showRecords(); }, [] { QCoreApplication::exit(); }),
       m_messageBoxes(ports.machine.messageBoxes, m_runner),
       m_messageLoop(ports.machine.messageLoop, m_runner, [this] { showProgress(); }),
       m_machine(with(ports.machine, m_messageLoop, m_messageBoxes)),
-      m_editorWindow(std::make_unique<EditorWithoutForms>()),
-      m_frameWindow(std::make_unique<FrameWithoutForms>()),
-      m_fileChooser(std::make_unique<NoFileChooser>()),
+      m_commands(m_runner, m_messageBoxes), m_window(mainFrame, frame, m_commands),
+      m_editorWindow(m_window, hooks()),
+      m_fileChooser({m_machine.fileSystem, m_messageBoxes, trace}),
+      m_startUpWindow(m_window, m_runner),
       m_schedules({m_machine, trace, frame, editor, store.save}), m_editorLists(trace, editor),
       m_profileFiles({m_machine.fileSystem, trace, frame, listing}),
       m_profiles{m_machine, trace, frame, editor, store, m_schedules, m_editorLists, fileNumbers},
       m_tree{m_machine, trace, frame, editor, store, treeForm, m_icons},
-      m_pages{m_machine, trace, frame, editor, store, treeForm, pagesForm, *m_editorWindow},
+      m_pages{m_machine, trace, frame, editor, store, treeForm, pagesForm, m_editorWindow},
       m_form{m_tree, m_pages, profileForm, mainFrame, m_editorLists},
-      m_opening{m_profiles,     openForm,       profileForm,    listing,
-                m_profileFiles, *m_fileChooser, bProfileOpened, lastSelected},
-      m_frame{m_profiles, m_opening, m_form, m_schedules, mainFrame, *m_frameWindow},
-      m_commands(m_runner, m_messageBoxes, m_frame)
+      m_opening{m_profiles,     openForm,      profileForm,    listing,
+                m_profileFiles, m_fileChooser, bProfileOpened, lastSelected},
+      m_profileView(new ui::ProfileForm(editor, profileForm, editorHandlers(m_form, m_runner))),
+      m_frameWindow({m_window, *m_profileView, profileForm, mainFrame, treeForm}, hooks()),
+      m_frame{m_profiles, m_opening, m_form, m_schedules, mainFrame, m_frameWindow},
+      m_startUp{m_frame, splash, ports.instance, m_startUpWindow, services, nullptr, ports.appPath}
 {
-    frame.ST_App_Path = ports.appPath;
-    frame.BL_Is_NT = m_machine.facts.isNtPlatform();
-    m_window = std::make_unique<ui::MainWindow>(mainFrame, frame, m_commands);
-    m_profileView = new ui::ProfileForm(editor, profileForm, editorHandlers(m_form, m_runner));
-    m_window->addForm(m_profileView);
+    m_window.addForm(m_profileView);
+    m_commands.attach(m_frame);
+    m_editorWindow.attach(m_pages);
+    m_fileChooser.setParent(&m_window);
+    m_frameWindow.attach({.openProfile =
+                              [this](profile::OpeningContext& opening) {
+                                  return ui::openProfileHandlers(opening, hooks().run);
+                              },
+                          .nameDialog =
+                              [this](state::frmRestDialog& form) {
+                                  return ui::nameDialogHandlers(m_frame, form, hooks().run);
+                              },
+                          .unloadReview = {},
+                          .unloadLogs = {}});
+    m_startUpWindow.attach(m_startUp);
 }
 
-Application::~Application() = default;
-
-void Application::start()
+ui::WindowHooks Application::hooks()
 {
-    m_runner.run("start", [&] {
-        frame.BL_New_Mode = true;
-        editor::loadProfileForm(m_form);
-        profileForm.visible = true;
-        profileForm.caption = "Default Profile";
-    });
-    // The size of the frame is its own: it keeps the one that it begins with.
-    m_window->setFixedSize(m_window->minimumSizeHint()
-                               .expandedTo(kFrameSize)
-                               .boundedTo(m_window->screen()->availableSize()));
-    m_window->show();
+    return {.run = [this](const char* name, const ui::Handler& body) { m_runner.run(name, body); },
+            .showRecords = [this] { showRecords(); },
+            .cameBack = [this] { m_runner.unwindAfterEvents(); }};
 }
 
-void Application::showCursor()
+bool Application::start(std::string_view commandLine)
 {
-    const bool busy =
-        mainFrame.hourglass || treeForm.mousePointer == editor::MousePointer::Hourglass;
-    if (busy == m_busyCursor)
-        return;
-    m_busyCursor = busy;
-    if (busy)
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    else
-        QGuiApplication::restoreOverrideCursor();
+    m_fileTypes.emplace(m_profiles, std::string(commandLine));
+    m_startUp.fileTypes = &*m_fileTypes;
+    bool goesOn = false;
+    const bool done = m_runner.run("Main", [&] { goesOn = frame::Main(m_startUp, commandLine); });
+    return done && goesOn;
 }
 
 void Application::showFrame()
 {
-    if (!m_window)
-        return;
-    // The editor fills the frame, whose title names it therefore.
-    const bool editorShows = profileForm.loaded && profileForm.visible;
-    m_window->setWindowTitle(
-        editorShows ? QStringLiteral("Vardelin - [%1]").arg(ui::shown(profileForm.caption))
-                    : QStringLiteral("Vardelin"));
-    m_window->showRecords();
-    showCursor();
+    m_window.showRecords();
+    // A form that comes up has the keyboard, as its first control.
+    const bool shows = m_profileView->isVisibleTo(&m_window);
+    if (shows && !m_editorShown)
+        m_profileView->setFocus();
+    m_editorShown = shows;
 }
 
 void Application::showProgress()
 {
     showFrame();
-    if (m_profileView != nullptr)
-        m_profileView->showReading();
+    m_profileView->showReading();
 }
 
 void Application::showRecords()
 {
     showFrame();
-    if (m_profileView == nullptr)
-        return;
-    m_profileView->setVisible(profileForm.loaded && profileForm.visible);
     m_profileView->setEnabled(mainFrame.editorEnabled);
     m_profileView->showRecords();
 }

@@ -2,18 +2,25 @@
 
 #include "app/commands.h"
 #include "app/handler_runner.h"
+#include "app/start_up_window.h"
 #include "app/window_ports.h"
 #include "background/schedule_records.h"
 #include "editor/life_cycle.h"
 #include "frame/frame_context.h"
+#include "frame/start_up.h"
 #include "profile/editor_lists.h"
 #include "profile/opening.h"
+#include "shell/file_types.h"
 #include "trace/run_trace.h"
+#include "ui/choosers.h"
+#include "ui/editor_window.h"
+#include "ui/frame_window.h"
 #include "ui/main_window.h"
 #include "ui/profile_form.h"
 
-#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace vardelin::app {
 
@@ -21,6 +28,7 @@ namespace vardelin::app {
 struct Ports {
     platform::Machine machine;
     trace::ErrorDialog& errorDialog;
+    platform::InstanceLock& instance;
     std::string appPath; // the application folder in drive form, no backslash at the end
 };
 
@@ -31,65 +39,71 @@ public:
     explicit Application(const Ports& ports);
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
-    ~Application();
+    ~Application() = default;
 
-    // Fills the editor and shows the frame.
-    void start();
+    // Puts the splash up, from which everything else follows. `commandLine` is one path in drive
+    // form, or empty. False where the program is to end at once, of which the person was told.
+    bool start(std::string_view commandLine);
 
     // Every view shows its record as it stands now.
     void showRecords();
 
-    ui::MainWindow& window() { return *m_window; }
+    ui::MainWindow& window() { return m_window; }
     HandlerRunner& runner() { return m_runner; }
+    frame::StartUpContext& startUp() { return m_startUp; }
 
-    // The records, in the order in which they need each other.
+    // The records.
     trace::RunTrace runTrace;
     trace::ErrorRecord errors;
     trace::TraceContext trace;
     state::FrameState frame;
     state::MainFrameForm mainFrame;
+    state::frmSplash splash;
     state::ProfileEditorState editor;
     state::ProfileStore store;
     state::ProfileFormState profileForm;
+    editor::SourceTreeForm treeForm;
+    editor::PagesForm pagesForm;
     state::frmOpenProfile openForm;
     profile::ListingState listing;
     profile::FileNumbers fileNumbers;
+    background::ServicePlace services;
     bool bProfileOpened = false;
-    std::string lastSelected;
-    editor::SourceTreeForm treeForm;
-    editor::PagesForm pagesForm;
+    std::string lastSelected; // folder of the profile opened last from outside of `Profiles`
 
 private:
+    ui::WindowHooks hooks();
     void showFrame();
     // While a handler lets waiting events run: how far it is.
     void showProgress();
-    void showCursor();
 
+    // Each needs those above it.
     HandlerRunner m_runner;
     UnwindingMessageBoxes m_messageBoxes;
     UnwindingMessageLoop m_messageLoop;
     platform::Machine m_machine;
+    Commands m_commands;
+    ui::MainWindow m_window;
+    ui::QtEditorWindow m_editorWindow;
+    ui::QtFileChooser m_fileChooser;
+    QtStartUpWindow m_startUpWindow;
+
     editor::PlainFileIcons m_icons;
-    std::unique_ptr<editor::EditorWindow> m_editorWindow;
-    std::unique_ptr<frame::FrameWindow> m_frameWindow;
-    std::unique_ptr<profile::FileChooser> m_fileChooser;
     background::RegistryScheduleRecords m_schedules;
     profile::StateEditorLists m_editorLists;
     profile::clsFiles m_profileFiles;
-
     profile::ProfileContext m_profiles;
     editor::EditorContext m_tree;
     editor::PagesContext m_pages;
     editor::EditorFormContext m_form;
     profile::OpeningContext m_opening;
+
+    ui::ProfileForm* m_profileView; // the window's area owns it
+    bool m_editorShown = false;
+    ui::QtFrameWindow m_frameWindow;
     frame::FrameContext m_frame;
-    Commands m_commands;
-
-    bool m_busyCursor = false;
-
-    // The views, which go first.
-    std::unique_ptr<ui::MainWindow> m_window;
-    ui::ProfileForm* m_profileView = nullptr; // the window's
+    frame::StartUpContext m_startUp;
+    std::optional<shell::RegistryFileTypes> m_fileTypes; // once the command line is known
 };
 
 } // namespace vardelin::app

@@ -57,64 +57,64 @@ void Commands::cmdPcBackup_Click()
 
 void Commands::mnuNew_Click()
 {
-    m_runner.run("mnuNew_Click", [&] { frame::mnuNew_Click(m_context); });
+    m_runner.run("mnuNew_Click", [&] { frame::mnuNew_Click(*m_context); });
 }
 
 void Commands::mnuOpen_Click()
 {
-    m_runner.run("mnuOpen_Click", [&] { frame::mnuOpen_Click(m_context); });
+    m_runner.run("mnuOpen_Click", [&] { frame::mnuOpen_Click(*m_context); });
 }
 
 void Commands::mnuEdit_Click()
 {
-    m_runner.run("mnuEdit_Click", [&] { frame::mnuEdit_Click(m_context); });
+    m_runner.run("mnuEdit_Click", [&] { frame::mnuEdit_Click(*m_context); });
 }
 
 void Commands::mnuSave_Click()
 {
-    m_runner.run("mnuSave_Click", [&] { frame::mnuSave_Click(m_context); });
+    m_runner.run("mnuSave_Click", [&] { frame::mnuSave_Click(*m_context); });
 }
 
 void Commands::mnuSaveAs_Click()
 {
-    m_runner.run("mnuSaveAs_Click", [&] { frame::mnuSaveAs_Click(m_context); });
+    m_runner.run("mnuSaveAs_Click", [&] { frame::mnuSaveAs_Click(*m_context); });
 }
 
 void Commands::mnuClose_Click()
 {
-    m_runner.run("mnuClose_Click", [&] { frame::mnuClose_Click(m_context); });
+    m_runner.run("mnuClose_Click", [&] { frame::mnuClose_Click(*m_context); });
 }
 
 void Commands::mnuExit_Click()
 {
-    m_runner.run("mnuExit_Click", [&] { frame::mnuExit_Click(m_context); });
+    m_runner.run("mnuExit_Click", [&] { frame::mnuExit_Click(*m_context); });
 }
 
 // ---- the other commands
 
 void Commands::mnuExpand_Click()
 {
-    m_runner.run("mnuExpand_Click", [&] { frame::mnuExpand_Click(m_context); });
+    m_runner.run("mnuExpand_Click", [&] { frame::mnuExpand_Click(*m_context); });
 }
 
 void Commands::mnuCollapse_Click()
 {
-    m_runner.run("mnuCollapse_Click", [&] { frame::mnuCollapse_Click(m_context); });
+    m_runner.run("mnuCollapse_Click", [&] { frame::mnuCollapse_Click(*m_context); });
 }
 
 void Commands::mnuProfile_Click()
 {
-    m_runner.run("mnuProfile_Click", [&] { frame::mnuProfile_Click(m_context); });
+    m_runner.run("mnuProfile_Click", [&] { frame::mnuProfile_Click(*m_context); });
 }
 
 void Commands::mnuContents_Click()
 {
-    m_runner.run("mnuContents_Click", [&] { frame::mnuContents_Click(m_context); });
+    m_runner.run("mnuContents_Click", [&] { frame::mnuContents_Click(*m_context); });
 }
 
 void Commands::mnuAbout_Click()
 {
-    m_runner.run("mnuAbout_Click", [&] { frame::mnuAbout_Click(m_context); });
+    m_runner.run("mnuAbout_Click", [&] { frame::mnuAbout_Click(*m_context); });
 }
 
 } // namespace vardelin::app

@@ -12,12 +12,14 @@ namespace vardelin::app {
 // The commands of the main frame, each the function of its name.
 class Commands final : public frame::MainFrameCommands {
 public:
-    // All outlive this object.
-    Commands(HandlerRunner& runner, platform::MessageBoxes& messageBoxes,
-             frame::FrameContext& context)
-        : m_runner(runner), m_messageBoxes(messageBoxes), m_context(context)
+    // Both outlive this object.
+    Commands(HandlerRunner& runner, platform::MessageBoxes& messageBoxes)
+        : m_runner(runner), m_messageBoxes(messageBoxes)
     {
     }
+
+    // Before the first command; the context outlives this object.
+    void attach(frame::FrameContext& context) { m_context = &context; }
 
     void mnuNew_Click() override;
     void mnuOpen_Click() override;
@@ -45,7 +47,7 @@ private:
 
     HandlerRunner& m_runner;
     platform::MessageBoxes& m_messageBoxes;
-    frame::FrameContext& m_context;
+    frame::FrameContext* m_context = nullptr;
 };
 
 } // namespace vardelin::app

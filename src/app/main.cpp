@@ -1,12 +1,16 @@
 #include "app/application.h"
 #include "app/guarded_application.h"
+#include "platform/linux/linux_instance_lock.h"
 #include "platform/linux/linux_machine.h"
 #include "ui/error_form.h"
+#include "ui/look.h"
 #include "ui/qt_ports.h"
 
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <string>
 
 // The composition root of the window on Linux: the machine, the ports that need a screen, and what
 // is left of an error that nothing else caught.
@@ -14,23 +18,45 @@ namespace {
 
 using namespace vardelin;
 
+// All arguments as one absolute path in drive form. Empty where there are none, or where no drive
+// reaches it.
+std::string commandLine(int argc, char** argv, const platform::FileSystem& files)
+{
+    std::string path;
+    for (int i = 1; i < argc; ++i) {
+        path += i > 1 ? " " : "";
+        path += argv[i];
+    }
+    const bool hasDrive = path.size() > 2 && path[1] == ':' && path[2] == '\\';
+    if (path.empty() || hasDrive)
+        return path;
+    base::PendingError unreachable;
+    unreachable.attempt([&] {
+        path = files.fromNative(std::filesystem::absolute(path).lexically_normal().string());
+    });
+    return unreachable ? std::string() : path;
+}
+
 int run(int argc, char** argv)
 {
     app::GuardedApplication qt(argc, argv);
     QApplication::setApplicationName(QStringLiteral("vardelin"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Vardelin"));
+    QApplication::setDesktopFileName(QStringLiteral("vardelin"));
     QApplication::setQuitOnLastWindowClosed(false);
+    ui::applyLook(qt);
 
     ui::QtMessageBoxes messageBoxes;
     ui::QtMessageLoop messageLoop;
     ui::WindowErrorDialog errorDialog;
-    platform::LinuxMachine machine(platform::executableFolder(), messageBoxes, messageLoop);
-    app::Application application({machine.machine(), errorDialog, machine.appPath()});
+    const std::string folder = platform::executableFolder();
+    platform::LinuxMachine machine(folder, messageBoxes, messageLoop);
+    platform::LinuxInstanceLock instance(platform::windowLockFile(folder));
+    app::Application application({machine.machine(), errorDialog, instance, machine.appPath()});
     messageBoxes.setParent(&application.window());
     errorDialog.setParent(&application.window());
     qt.setRunner(&application.runner());
-    application.start();
-    if (!application.runner().exitRequested())
+    const bool goesOn = application.start(commandLine(argc, argv, machine.machine().fileSystem));
+    if (goesOn && !application.runner().exitRequested())
         QApplication::exec();
     qt.setRunner(nullptr);
     if (application.runner().exitRequested())

@@ -99,6 +99,7 @@ ProfileForm::ProfileForm(state::ProfileEditorState& record, state::ProfileFormSt
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(m_tabs, 1);
     layout->addWidget(helpPanel());
+    setFocusProxy(&m_tree->tree());
     m_binder.show();
 }
 
@@ -193,7 +194,7 @@ QWidget* ProfileForm::securityFrame()
     auto* frame = named<QGroupBox>("Frame10", "BackUp Security");
     auto* compress = named<QCheckBox>("chkCompress", "&Compress Files");
     auto* encrypt = named<QCheckBox>("chkEncrypt", "E&ncrypt Files");
-    auto* password = named<QCheckBox>("chkPassword", "Set Pass&word For Files");
+    auto* password = named<QCheckBox>("chkPassword", "Set Passw&ord For Files");
     m_binder.checkBox(*compress, m_record.chkCompress, m_handlers.chkCompress_Click);
     m_binder.checkBox(*encrypt, m_record.chkEncrypt, m_handlers.chkEncrypt_Click);
     m_binder.checkBox(*password, m_record.chkPassword, m_handlers.chkPassword_Click);
@@ -205,7 +206,7 @@ QWidget* ProfileForm::securityFrame()
     auto* question = named<QComboBox>("cmbHintQues");
     auto* answer = named<QLineEdit>("txtHintAns");
     auto* questionLabel = new QLabel(QStringLiteral("Hint &Question For Password:"));
-    auto* answerLabel = new QLabel(QStringLiteral("Hint &Answer For Retrieving Password :"));
+    auto* answerLabel = new QLabel(QStringLiteral("Hint Answer For Retrie&ving Password :"));
     questionLabel->setBuddy(question);
     answerLabel->setBuddy(answer);
     m_binder.textBox(*text, m_record.txtPassWord, m_handlers.txtPassWord);
@@ -320,7 +321,7 @@ QWidget* ProfileForm::schedulePage()
 QWidget* ProfileForm::patternFrame()
 {
     static constexpr const char* kNames[] = {"optDaily", "optWeekly", "optMonthly", "optYearly"};
-    static constexpr const char* kCaptions[] = {"&Daily", "&Weekly", "&Monthly", "&Yearly"};
+    static constexpr const char* kCaptions[] = {"&Daily", "Wee&kly", "&Monthly", "&Yearly"};
     auto* frame = named<QGroupBox>("Frame5", "Recurrence Pattern");
     auto* options = new QVBoxLayout;
     const auto records = m_record.patternOptions();

@@ -2,10 +2,12 @@
 
 #include "app/application.h"
 #include "platform/linux/linux_machine.h"
-#include "platform/memory/counting_message_loop.h"
+#include "platform/memory/memory_instance_lock.h"
+#include "platform/memory/memory_processes.h"
 #include "platform/memory/scripted_message_boxes.h"
 #include "support/temp_folder.h"
 #include "support/trace_rig.h"
+#include "ui/qt_ports.h"
 
 #include <memory>
 #include <string>
@@ -19,7 +21,9 @@ namespace vardelin::test {
 struct AppRig {
     TempFolder folder;
     platform::ScriptedMessageBoxes messageBoxes;
-    platform::CountingMessageLoop messageLoop;
+    ui::QtMessageLoop messageLoop;
+    platform::MemoryProcesses processes; // no monitor is started
+    platform::MemoryInstanceLock instance;
     ScriptedErrorDialog errorDialog;
     std::unique_ptr<platform::LinuxMachine> machine;
     std::unique_ptr<app::Application> program;
@@ -34,7 +38,7 @@ struct AppRig {
     }
 
     // Starts the program; one that ran before is gone by then.
-    app::Application& start()
+    app::Application& start(std::string_view commandLine = {})
     {
         program.reset();
         platform::DesktopFolders desktop;
@@ -43,9 +47,19 @@ struct AppRig {
         desktop.data = {folder / "share"};
         machine = std::make_unique<platform::LinuxMachine>(folder / "app", messageBoxes,
                                                            messageLoop, desktop);
+        const platform::Machine real = machine->machine();
         program = std::make_unique<app::Application>(
-            app::Ports{machine->machine(), errorDialog, machine->appPath()});
-        program->start();
+            app::Ports{{real.fileSystem, real.drives, real.registry, real.shell, real.facts,
+                        processes, real.clock, real.messageLoop, real.messageBoxes},
+                       errorDialog,
+                       instance,
+                       machine->appPath()});
+        if (!program->start(commandLine))
+            return *program;
+        // The splash's timer, without its waiting: the first tick loads the frame.
+        frame::Timer1_Timer(program->startUp());
+        frame::Timer1_Timer(program->startUp());
+        program->showRecords();
         QApplication::processEvents();
         return *program;
     }

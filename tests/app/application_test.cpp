@@ -1,9 +1,16 @@
 #include "app_rig.h"
 
+#include <map>
+
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
+#include <QTabWidget>
+#include <QTest>
 #include <QTreeView>
 
 namespace vardelin {
@@ -30,12 +37,23 @@ TEST_F(Program, ShowsTheEditorWithTheDrivesOfThisMachine)
     EXPECT_TRUE(rig.messageBoxes.shown.empty());
 }
 
+TEST_F(Program, TheTreeHasTheKeyboardAndOpensADrive)
+{
+    const app::Application& program = rig.start();
+    QWidget* const focus =
+        program.editor.tvwDirectory.count() > 0 ? QApplication::focusWidget() : nullptr;
+    ASSERT_EQ(focus, &rig.find<QTreeView>("tvwDirectory"));
+    QTest::keyClick(focus, Qt::Key_Right);
+    EXPECT_TRUE(program.editor.tvwDirectory.node(1).expanded);
+    EXPECT_GT(program.editor.tvwDirectory.count(), 3U);
+}
+
 TEST_F(Program, AControlRunsItsHandlerAndEveryViewShowsWhatCameOfIt)
 {
     app::Application& program = rig.start();
     rig.find<QCheckBox>("chkIdle").click();
     EXPECT_EQ(rig.find<QLineEdit>("txtIdleTime").text(), "15");
-    EXPECT_TRUE(program.frame.BL_New_Changed);
+    EXPECT_TRUE(program.frame.BL_Edit_Changed);
 }
 
 TEST_F(Program, TheFrameFitsASmallScreenAtALargeFontAndKeepsItsSize)
@@ -49,6 +67,36 @@ TEST_F(Program, TheFrameFitsASmallScreenAtALargeFontAndKeepsItsSize)
     const QSize size = window.size();
     rig.program->window().resize(size + QSize(100, 100));
     EXPECT_EQ(window.size(), size);
+}
+
+// A key that two controls share runs neither: it only goes from one to the other.
+TEST_F(Program, NoTwoControlsOnShowShareAMnemonic)
+{
+    const app::Application& program = rig.start();
+    auto& tabs = rig.find<QTabWidget>("SSTab1");
+    for (int tab = 0; tab < tabs.count(); ++tab) {
+        tabs.setCurrentIndex(tab);
+        std::map<QString, QString> taken;
+        std::string clashes;
+        const auto take = [&](const QString& text) {
+            const QString key = QKeySequence::mnemonic(text).toString();
+            if (!key.isEmpty() && !taken.emplace(key, text).second)
+                clashes += text.toStdString() + " and " + taken[key].toStdString() + "; ";
+        };
+        const QMainWindow& window = rig.program->window();
+        for (const QAction* menu : window.menuBar()->actions())
+            take(menu->text());
+        for (const auto* label : window.findChildren<QLabel*>()) {
+            if (label->isVisible() && label->buddy() != nullptr)
+                take(label->text());
+        }
+        for (const auto* button : window.findChildren<QAbstractButton*>()) {
+            if (button->isVisible())
+                take(button->text());
+        }
+        EXPECT_GE(taken.size(), 7U) << "nothing was looked at";
+        EXPECT_EQ(clashes, "") << "page " << tab << " of " << program.profileForm.caption;
+    }
 }
 
 } // namespace
