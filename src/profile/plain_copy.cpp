@@ -38,10 +38,11 @@ bool adoptPlainCopy(platform::FileSystem& fileSystem, std::string_view path, std
 {
     const std::string text = fileSystem.readAll(path);
     auto lines = base::split(text, format::kLineEnd);
-    const bool isProfile = std::any_of(lines.begin(), lines.end(), [](std::string_view line) {
-        return equalsIgnoringCase(line, format::kSourceFiles.opening);
-    });
-    if (!isProfile) {
+    const auto holds = [&](std::string_view wanted) {
+        return std::any_of(lines.begin(), lines.end(),
+                           [&](std::string_view line) { return equalsIgnoringCase(line, wanted); });
+    };
+    if (!holds(format::kSourceFiles.opening) || !holds(format::kSourceFiles.closing)) {
         fileSystem.removeFile(path);
         return false;
     }
