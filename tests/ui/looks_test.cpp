@@ -5,7 +5,7 @@
 #include "ui/password_view.h"
 #include "ui/splash_view.h"
 
-#include "offscreen.h"
+#include "looks.h"
 
 #include <gtest/gtest.h>
 
@@ -14,71 +14,12 @@
 #include <string>
 #include <vector>
 
-#include <QAccessible>
 #include <QCheckBox>
-#include <QHeaderView>
 #include <QImage>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
-#include <QTreeView>
 
 namespace vardelin::ui {
 namespace {
-
-// Headings of tables that are cut off.
-std::string cutHeadings(QWidget& window)
-{
-    std::string cut;
-    for (const QHeaderView* header : window.findChildren<QHeaderView*>()) {
-        for (int i = 0; i < header->count(); ++i) {
-            if (header->sectionSize(i) < header->sectionSizeHint(i))
-                cut += header->model()->headerData(i, Qt::Horizontal).toString().toStdString();
-        }
-    }
-    return cut;
-}
-
-// The names of what the keyboard reaches, in its order, beginning at the first.
-std::vector<std::string> reached(QWidget& window)
-{
-    std::vector<std::string> names;
-    QWidget* widget = &window;
-    do {
-        const bool hasName = !widget->objectName().isEmpty() &&
-                             !widget->objectName().startsWith(QLatin1String("qt_"));
-        if (widget != &window && hasName && (widget->focusPolicy() & Qt::TabFocus) != 0 &&
-            widget->isVisible() && widget->isEnabled())
-            names.push_back(widget->objectName().toStdString());
-        widget = widget->nextInFocusChain();
-    } while (widget != &window);
-    return names;
-}
-
-// Every box and list must be known by a name to who cannot see it.
-std::string nameless(QWidget& window)
-{
-    std::string names;
-    for (QWidget* widget : window.findChildren<QWidget*>()) {
-        const bool needsName = qobject_cast<QLineEdit*>(widget) != nullptr ||
-                               qobject_cast<QTreeView*>(widget) != nullptr;
-        if (needsName && widget->isVisible()) {
-            const QAccessibleInterface* const known = QAccessible::queryAccessibleInterface(widget);
-            if (known == nullptr || known->text(QAccessible::Name).isEmpty())
-                names += widget->objectName().toStdString() + " ";
-        }
-    }
-    return names;
-}
-
-void expectGoodLooks(QWidget& window, const std::string& picture)
-{
-    present(window);
-    keepPicture(window, picture);
-    EXPECT_EQ(clippedIn(window), "") << picture;
-    EXPECT_EQ(cutHeadings(window), "") << picture;
-    EXPECT_EQ(nameless(window), "") << picture;
-}
 
 TEST(Looks, NothingIsClippedInTheExclusions)
 {
