@@ -23,7 +23,7 @@ namespace vardelin::test {
 // on a busy machine a step may take seconds.
 inline void waitUntil(std::string_view what, const std::function<bool()>& isSo)
 {
-    constexpr auto kLongest = std::chrono::seconds(15);
+    constexpr auto kLongest = std::chrono::seconds(40);
     constexpr auto kPause = std::chrono::milliseconds(20);
     const auto end = std::chrono::steady_clock::now() + kLongest;
     while (!isSo()) {
