@@ -48,10 +48,12 @@ Application::Application(const Ports& ports)
       m_profileView(new ui::ProfileForm(editor, profileForm, editorHandlers(m_form, m_runner))),
       m_frameWindow({m_window, *m_profileView, profileForm, mainFrame, treeForm}, hooks()),
       m_frame{m_profiles, m_opening, m_form, m_schedules, mainFrame, m_frameWindow},
+      m_backup{m_machine,  trace,  frame,
+               cancelForm, backup, runs::engineBackup(m_machine, ports.appPath)},
       m_startUp{m_frame, splash, ports.instance, m_startUpWindow, services, nullptr, ports.appPath}
 {
     m_window.addForm(m_profileView);
-    m_commands.attach(m_frame);
+    m_commands.attach(m_frame, m_backup);
     m_editorWindow.attach(m_pages);
     m_fileChooser.setParent(&m_window);
     m_frameWindow.attach({.openProfile =
@@ -91,6 +93,34 @@ void Application::showFrame()
     if (shows && !m_editorShown)
         m_profileView->setFocus();
     m_editorShown = shows;
+    showBackup();
+}
+
+// The window comes with its record and closes by itself when that is unloaded.
+void Application::showBackup()
+{
+    if (m_cancelView) {
+        m_cancelView->showRecord();
+        return;
+    }
+    if (!cancelForm.loaded)
+        return;
+    m_cancelView = new ui::CancelView(
+        cancelForm,
+        {.cmdCancel_Click =
+             [this] {
+                 m_runner.run("cmdCancel_Click", [this] { runs::cmdCancel_Click(m_backup); });
+             },
+         .Form_QueryUnload =
+             [this] {
+                 bool closes = false;
+                 m_runner.run("Form_QueryUnload",
+                              [&] { closes = runs::Form_QueryUnload(m_backup); });
+                 return closes;
+             }},
+        &m_window);
+    m_cancelView->setAttribute(Qt::WA_DeleteOnClose);
+    m_cancelView->show();
 }
 
 void Application::showProgress()

@@ -10,8 +10,10 @@
 #include "frame/start_up.h"
 #include "profile/editor_lists.h"
 #include "profile/opening.h"
+#include "runs/backup_run.h"
 #include "shell/file_types.h"
 #include "trace/run_trace.h"
+#include "ui/cancel_view.h"
 #include "ui/choosers.h"
 #include "ui/editor_window.h"
 #include "ui/frame_window.h"
@@ -21,6 +23,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include <QPointer>
 
 namespace vardelin::app {
 
@@ -68,12 +72,15 @@ public:
     profile::ListingState listing;
     profile::FileNumbers fileNumbers;
     background::ServicePlace services;
+    state::frmCancel cancelForm;
+    runs::BackupState backup;
     bool bProfileOpened = false;
     std::string lastSelected; // folder of the profile opened last from outside of `Profiles`
 
 private:
     ui::WindowHooks hooks();
     void showFrame();
+    void showBackup();
     // While a handler lets waiting events run: how far it is.
     void showProgress();
 
@@ -102,6 +109,8 @@ private:
     bool m_editorShown = false;
     ui::QtFrameWindow m_frameWindow;
     frame::FrameContext m_frame;
+    runs::BackupContext m_backup;
+    QPointer<ui::CancelView> m_cancelView; // while a backup is on show
     frame::StartUpContext m_startUp;
     std::optional<shell::RegistryFileTypes> m_fileTypes; // once the command line is known
 };

@@ -1,6 +1,7 @@
 #include "app/commands.h"
 
 #include "editor/pages_context.h"
+#include "frame/archive_commands.h"
 #include "frame/profile_commands.h"
 #include "frame/window_commands.h"
 
@@ -16,11 +17,6 @@ void Commands::notYet(const char* name, std::string_view part)
         m_messageBoxes.show(std::string(part) + " is not available in the window yet.",
                             editor::kTitle);
     });
-}
-
-void Commands::mnuBackup_Click()
-{
-    notYet("mnuBackup_Click", "Backup Now");
 }
 
 void Commands::mnuBkpSto_Click()
@@ -88,6 +84,35 @@ void Commands::mnuClose_Click()
 void Commands::mnuExit_Click()
 {
     m_runner.run("mnuExit_Click", [&] { frame::mnuExit_Click(*m_context); });
+}
+
+// ---- the archive
+
+void Commands::mnuBackup_Click()
+{
+    m_runner.run("mnuBackup_Click", [&] { frame::mnuBackup_Click(*m_context, *m_backup); });
+}
+
+// ---- the toolbar
+
+void Commands::toolbarClickBegins()
+{
+    m_runner.run("Toolbar_ButtonClick", [&] {
+        m_context->profiles.trace.trace.WriteRunTrace("Toolbar_ButtonClick", "Start", true);
+        if (m_context->main.commandRunning)
+            return; // a run may have the engine
+        m_toolbarEvents.emplace(*m_backup);
+        m_backup->backup.objBackUp = m_backup->make(*m_toolbarEvents);
+    });
+}
+
+void Commands::toolbarClickEnds()
+{
+    m_runner.run("Toolbar_ButtonClick", [&] {
+        if (!m_context->main.commandRunning)
+            m_backup->backup.objBackUp.reset();
+        m_context->profiles.trace.trace.WriteRunTrace("Toolbar_ButtonClick", "End", true);
+    });
 }
 
 // ---- the other commands

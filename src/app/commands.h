@@ -4,7 +4,9 @@
 #include "frame/frame_context.h"
 #include "frame/main_frame.h"
 #include "platform/machine.h"
+#include "runs/backup_run.h"
 
+#include <optional>
 #include <string_view>
 
 namespace vardelin::app {
@@ -18,8 +20,12 @@ public:
     {
     }
 
-    // Before the first command; the context outlives this object.
-    void attach(frame::FrameContext& context) { m_context = &context; }
+    // Before the first command; the contexts outlive this object.
+    void attach(frame::FrameContext& context, runs::BackupContext& backup)
+    {
+        m_context = &context;
+        m_backup = &backup;
+    }
 
     void mnuNew_Click() override;
     void mnuOpen_Click() override;
@@ -40,6 +46,8 @@ public:
     void mnuContents_Click() override;
     void mnuAbout_Click() override;
     void cmdPcBackup_Click() override;
+    void toolbarClickBegins() override;
+    void toolbarClickEnds() override;
 
 private:
     // Says that a part of the program is still to come.
@@ -48,6 +56,9 @@ private:
     HandlerRunner& m_runner;
     platform::MessageBoxes& m_messageBoxes;
     frame::FrameContext* m_context = nullptr;
+    runs::BackupContext* m_backup = nullptr;
+    // Of the engine that stands ready while a button's command runs.
+    std::optional<runs::BackupEvents> m_toolbarEvents;
 };
 
 } // namespace vardelin::app

@@ -106,8 +106,10 @@ void Toolbar_ButtonClick(MainFrameCommands& commands, std::size_t index)
         nullptr,
         &MainFrameCommands::mnuProfile_Click,
         nullptr};
+    commands.toolbarClickBegins();
     if (const Command command = kCommands.at(index - 1))
         (commands.*command)();
+    commands.toolbarClickEnds();
 }
 
 } // namespace vardelin::frame

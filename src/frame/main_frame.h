@@ -36,6 +36,11 @@ public:
     virtual void mnuContents_Click() = 0;
     virtual void mnuAbout_Click() = 0;
     virtual void cmdPcBackup_Click() = 0;
+
+    // Around whatever a toolbar button runs, also around those that run nothing: traced, and an
+    // engine stands ready from the first to the second.
+    virtual void toolbarClickBegins() = 0;
+    virtual void toolbarClickEnds() = 0;
 };
 
 // A confirmation is due before what the editor holds goes away.

@@ -32,6 +32,8 @@ public:
     void mnuContents_Click() override { ran.emplace_back("mnuContents_Click"); }
     void mnuAbout_Click() override { ran.emplace_back("mnuAbout_Click"); }
     void cmdPcBackup_Click() override { ran.emplace_back("cmdPcBackup_Click"); }
+    void toolbarClickBegins() override { ran.emplace_back("begins"); }
+    void toolbarClickEnds() override { ran.emplace_back("ends"); }
 
     std::vector<std::string> ran;
 };
@@ -138,8 +140,9 @@ TEST(MainFrame, EveryButtonRunsItsCommand)
         Toolbar_ButtonClick(commands, index);
         // Separators and the button with the drop-down do nothing.
         const std::string& name = expected[index - 1];
-        EXPECT_EQ(commands.ran,
-                  name.empty() ? std::vector<std::string>{} : std::vector<std::string>{name})
+        EXPECT_EQ(commands.ran, name.empty()
+                                    ? (std::vector<std::string>{"begins", "ends"})
+                                    : (std::vector<std::string>{"begins", name, "ends"}))
             << index;
     }
 }

@@ -29,6 +29,8 @@ public:
     void mnuContents_Click() override { ran.emplace_back("mnuContents"); }
     void mnuAbout_Click() override { ran.emplace_back("mnuAbout"); }
     void cmdPcBackup_Click() override { ran.emplace_back("cmdPcBackup"); }
+    void toolbarClickBegins() override {}
+    void toolbarClickEnds() override {}
 
     std::vector<std::string> ran;
 };
