@@ -6,7 +6,7 @@ namespace vardelin::app {
 namespace {
 
 // Device-independent pixels: all of a page is seen without scrolling, on small screens, too.
-constexpr QSize kFrameSize(1180, 660);
+constexpr QSize kFrameSize(1180, 690);
 // Room for what a window manager draws around the frame.
 constexpr QSize kDecoration(8, 36);
 

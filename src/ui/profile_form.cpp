@@ -484,7 +484,11 @@ QWidget* ProfileForm::helpPanel()
     auto* text = named<QLabel>("Label35");
     text->setWordWrap(true);
     text->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-    layout->addWidget(text, 1);
+    // A long text scrolls in the panel rather than lose its end.
+    QScrollArea* const area = scrolling(text);
+    area->setMinimumWidth(0);
+    area->setFocusPolicy(Qt::StrongFocus);
+    layout->addWidget(area, 1);
     m_binder.also([this, what, text] {
         what->setText(shownLines(m_window.Label37));
         text->setText(shownLines(m_window.Label35));
