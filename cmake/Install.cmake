@@ -8,6 +8,21 @@ endif()
 
 if(TARGET vardelin)
     install(TARGETS vardelin RUNTIME DESTINATION .)
+    install(FILES ${PROJECT_SOURCE_DIR}/assets/icons/vardelin.svg
+        DESTINATION share/icons/hicolor/scalable/apps)
+    # For a desktop's menu, to be copied or linked to where that one looks; it names this folder.
+    install(CODE [[
+        file(WRITE "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/share/applications/vardelin.desktop"
+"[Desktop Entry]
+Type=Application
+Name=Vardelin
+Comment=Keeps copies and earlier versions of your files
+Exec=\"${CMAKE_INSTALL_PREFIX}/vardelin\" %f
+Icon=${CMAKE_INSTALL_PREFIX}/share/icons/hicolor/scalable/apps/vardelin.svg
+Terminal=false
+Categories=Utility;Archiving;
+")
+    ]])
 endif()
 # The window starts them by the application folder that it finds itself in.
 install(TARGETS VDFileMon VDIdleMon VDScheduleMon RUNTIME DESTINATION .)

@@ -21,6 +21,10 @@ for folder in Profiles Data Log/Backup Log/Restore Queue BackupPackages Help; do
 done
 [ -x "$app/vardelinctl" ] || fail "no program in the root"
 [ ! -x "$build/src/app/vardelin" ] || [ -x "$app/vardelin" ] || fail "no window in the root"
+if [ -x "$app/vardelin" ]; then
+    grep -qx "Exec=\"$app/vardelin\" %f" "$app/share/applications/vardelin.desktop" ||
+        fail "the desktop file names another program"
+fi
 for monitor in VDFileMon VDIdleMon VDScheduleMon; do
     [ -x "$app/$monitor" ] || fail "no $monitor beside the program"
 done
