@@ -11,14 +11,19 @@
 
 namespace vardelin::ui {
 
-// The icons of the source tree: our own for drives and folders, the desktop's by its extension for
-// a file. Nothing is looked up before it is painted, and an extension once.
+// In lower case with its dot; empty for a name without one, such as `.profile`.
+std::string extensionOf(std::string_view name);
+
+// The icons of the source tree and of the review: our own for drives and folders, the desktop's by
+// its extension for a file. Nothing is looked up before it is painted, and an extension once.
 class TreeIcons {
 public:
     // Without a shell all files have one icon. It must outlive this.
     explicit TreeIcons(platform::Shell* shell);
 
     QIcon iconOf(const state::TreeNode& node);
+    // The icon of files with a name of this kind; no such file need exist.
+    QIcon ofFile(std::string_view name) { return ofExtension(extensionOf(name)); }
 
 private:
     QIcon ofExtension(const std::string& extension);
@@ -30,8 +35,5 @@ private:
     QIcon m_file;
     std::unordered_map<std::string, QIcon> m_byExtension;
 };
-
-// In lower case with its dot; empty for a name without one, such as `.profile`.
-std::string extensionOf(std::string_view name);
 
 } // namespace vardelin::ui
