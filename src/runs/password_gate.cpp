@@ -138,7 +138,7 @@ void ask(PasswordGateContext& context)
 {
     context.profiles.frame.bPwdReviewMode = true;
     state::frmResPwd form = reviewForm();
-    context.window.showReviewPassword(form);
+    context.window.showReviewPassword(context, form);
 }
 
 void emptyAndFocus(PasswordGateContext& context, state::frmResPwd& form)

@@ -13,6 +13,8 @@
 // password in clear; nobody but the person may read that file. A cancelled dialog leaves it behind.
 namespace vardelin::runs {
 
+struct PasswordGateContext;
+
 // What the gate needs of the window.
 class PasswordWindow {
 public:
@@ -22,8 +24,8 @@ public:
     virtual ~PasswordWindow() = default;
 
     // Shows the form modally and comes back when it is unloaded, or closed by the person as with
-    // its Cancel. The form's own handlers run meanwhile.
-    virtual void showReviewPassword(state::frmResPwd& form) = 0;
+    // its Cancel. The form's own handlers run meanwhile, on this context.
+    virtual void showReviewPassword(PasswordGateContext& gate, state::frmResPwd& form) = 0;
     // A box of the form, by its control's name.
     virtual void setFocus(std::string_view control) = 0;
 };

@@ -225,7 +225,10 @@ void MainWindow::showRecords()
         m_panels[i]->setText(elided(text, m_panels[i]->fontMetrics(), m_panels[i]->width()));
         m_panels[i]->setToolTip(plainToolTip(text));
     }
-    const double share = m_frame.pb.maximum > 0 ? m_frame.pb.value / m_frame.pb.maximum : 0;
+    double share = m_frame.pb.maximum > 0 ? m_frame.pb.value / m_frame.pb.maximum : 0;
+    // What is done leaves its bar full until the next work begins: nobody waits for it any more.
+    if (share >= 1 && !m_form.commandRunning)
+        share = 0;
     m_progress->setRange(0, kProgressSteps);
     m_progress->setValue(static_cast<int>(share * kProgressSteps));
 }

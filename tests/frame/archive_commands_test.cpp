@@ -60,11 +60,12 @@ private:
 class Passwords final : public runs::PasswordWindow {
 public:
     int shown = 0;
-    std::function<void(state::frmResPwd&)> person = [](state::frmResPwd&) {};
-    void showReviewPassword(state::frmResPwd& form) override
+    std::function<void(runs::PasswordGateContext&, state::frmResPwd&)> person =
+        [](runs::PasswordGateContext&, state::frmResPwd&) {};
+    void showReviewPassword(runs::PasswordGateContext& gate, state::frmResPwd& form) override
     {
         ++shown;
-        person(form);
+        person(gate, form);
     }
     void setFocus(std::string_view) override {}
 };
@@ -401,9 +402,8 @@ TEST_F(ArchiveCommands, APasswordKeepsTheReviewShut)
     EXPECT_EQ(loads, 0);
     EXPECT_EQ(frame.panel1.text, "");
 
-    passwords.person = [&](state::frmResPwd& asked) {
+    passwords.person = [](runs::PasswordGateContext& gate, state::frmResPwd& asked) {
         asked.txtRespwd.text = "secret";
-        runs::PasswordGateContext gate{profiles, passwords, frame.ST_Current_Profile_Path};
         runs::cmdOk_Click(gate, asked);
     };
     openReview();

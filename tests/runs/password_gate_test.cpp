@@ -25,7 +25,7 @@ public:
     int shown = 0;
     std::vector<std::string> focused;
 
-    void showReviewPassword(state::frmResPwd& form) override
+    void showReviewPassword(PasswordGateContext&, state::frmResPwd& form) override
     {
         ++shown;
         person(form);

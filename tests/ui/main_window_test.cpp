@@ -83,6 +83,20 @@ TEST_F(Window, ShowsWhatTheRecordsSay)
     EXPECT_EQ(bar->value() * 4, bar->maximum());
 }
 
+// Opening a profile for changes leaves its bar full, and nothing empties it.
+TEST_F(Window, AFullBarStandsOnlyWhileACommandRuns)
+{
+    MainWindow window(form, frame, commands);
+    const auto* bar = window.findChild<QProgressBar*>("pb");
+    frame.pb.maximum = frame.pb.value = 100;
+    form.commandRunning = true;
+    window.showRecords();
+    EXPECT_EQ(bar->value(), bar->maximum());
+    form.commandRunning = false;
+    window.showRecords();
+    EXPECT_EQ(bar->value(), 0);
+}
+
 TEST_F(Window, ClosingItAsksTheExitCommand)
 {
     MainWindow window(form, frame, commands);
