@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string_view>
 
 // The texts of frmLog. People search for them, so their misspellings stay.
@@ -7,6 +8,15 @@ namespace vardelin::logs::texts {
 
 inline constexpr std::string_view kTitle = "Vardelin";
 
+// ---- headings
+inline constexpr std::array<std::string_view, 5> kBackupColumns{
+    "Profile Name", "BackUp Type", "LastRun Date", "Number Of Files", "Skipped Files"};
+inline constexpr std::array<std::string_view, 4> kRestoreColumns{
+    "Profile Name", "Destination", "Last Restored Date", "No Of Files"};
+inline constexpr std::array<std::string_view, 4> kQueueColumns{"File Name", "File Path",
+                                                               "File Modified Date", "File Size"};
+
+// ---- messages
 inline constexpr std::string_view kNoBackupFolder =
     "Backup Log details are not available to be displayed";
 inline constexpr std::string_view kNoBackupFiles =
