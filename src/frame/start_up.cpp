@@ -10,6 +10,8 @@
 #include "platform/file_system.h"
 #include "profile/default_profile.h"
 #include "profile/list_file.h"
+#include "profile/opening_texts.h"
+#include "profile/plain_copy.h"
 #include "profile/profile_reader.h"
 #include "profile/scrambler.h"
 #include "trace/messages.h"
@@ -175,8 +177,16 @@ private:
         const std::string& name = m_frame.ST_Recent_Profile;
         const bool isPlain = profile::PrFileDecrypt(m_profiles, folder, name);
         m_frame.bDecryptFileMissing = false; // the next Open would take it for its own
-        return isPlain && profile::ActivateOpenProfile(
-                              m_profiles, fmt::format("U{}.txt", stemOf(name)), folder);
+        const std::string plainName = fmt::format("U{}.txt", stemOf(name));
+        if (!isPlain)
+            return false;
+        // Any bytes unscramble to something, and would come up as a profile without a source.
+        if (!profile::adoptPlainCopy(m_profiles.machine.fileSystem, folder + plainName, name)) {
+            refuse(m_context.frame, fmt::format("{}{}{}", profile::opening_texts::kNotValidStart,
+                                                name, profile::opening_texts::kNotValidEnd));
+            return false;
+        }
+        return profile::ActivateOpenProfile(m_profiles, plainName, folder);
     }
 
     void showNewProfile()

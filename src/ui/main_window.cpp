@@ -162,7 +162,10 @@ void MainWindow::buildToolbar()
             continue;
         }
         QAction* action = m_toolbar->addAction(iconOf(row.icon), QLatin1String(row.caption));
-        action->setToolTip(QLatin1String(row.toolTip));
+        m_shows.emplace_back([this, action, row] {
+            const std::string& toolTip = m_form.Toolbar1(row.index).toolTip;
+            action->setToolTip(toolTip.empty() ? QLatin1String(row.toolTip) : shown(toolTip));
+        });
         action->setObjectName(QStringLiteral("Toolbar1_%1").arg(row.index));
         const std::size_t index = row.index;
         connect(action, &QAction::triggered, this, [this, index] {

@@ -1,5 +1,7 @@
 #include "start_up_rig.h"
 
+#include "profile/scramble_text.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -628,13 +630,6 @@ TEST(MDIForm_Load, PutsUpANewProfileWhereTheOneToShowCannotBeRead)
          [](StartUpRig& rig) { rig.disk.setUnreadable(StartUpRig::pathOf("Work.vdp")); }},
         {"its plain copy cannot be written",
          [](StartUpRig& rig) { rig.disk.setReadOnly("C:\\App\\Profiles"); }},
-        {"it ends inside its sources",
-         [](StartUpRig& rig) {
-             rig.frame.ST_App_Path = "C:\\App";
-             rig.putFile(StartUpRig::pathOf("Work.vdp"),
-                         "[Work.vdp]\r\n{Source files}\r\nD:\\Work\\\r\n");
-             profile::PrFileEncrypt(rig.profiles, "C:\\App\\Profiles", "Work.vdp");
-         }},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
@@ -657,6 +652,28 @@ TEST(MDIForm_Load, PutsUpANewProfileWhereTheOneToShowCannotBeRead)
         EXPECT_FALSE(rig.mainForm.hourglass);
         EXPECT_TRUE(rig.disk.fileExists(StartUpRig::pathOf("Work.vdp")));
         EXPECT_EQ(rig.list(), "[Recent Profile]\r\nWork.vdp\r\n");
+    }
+}
+
+// Any bytes unscramble to something: as a profile without a source they would be saved over what
+// was there, an unscrambled profile among them.
+TEST(MDIForm_Load, PutsUpANewProfileWhereTheOneToShowIsNone)
+{
+    const std::string cut = profile::scrambleText("[Work.vdp]\r\n{Source files}\r\nD:\\Wo");
+    const std::string unscrambled =
+        "[Work.vdp]\r\n{Source files}\r\nD:\\Work\\\r\n{End Of Source files}\r\n";
+    for (const std::string& text : {std::string(), std::string("garbage"), cut, unscrambled}) {
+        StartUpRig rig;
+        rig.installed();
+        rig.putProfile("Work.vdp", "D:\\Work\\\r\n");
+        rig.putFile(StartUpRig::pathOf("Work.vdp"), text);
+        rig.recent("Work.vdp");
+        rig.start();
+        EXPECT_THAT(rig.messageBoxes.texts(),
+                    ElementsAre("Selected file, Work.vdp is not a valid Vardelin profile"));
+        EXPECT_TRUE(rig.frame.BL_New_Mode);
+        EXPECT_EQ(rig.frame.ST_Current_Profile, "");
+        EXPECT_EQ(rig.disk.readAll(StartUpRig::pathOf("Work.vdp")), text);
     }
 }
 

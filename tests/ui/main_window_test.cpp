@@ -83,6 +83,17 @@ TEST_F(Window, ShowsWhatTheRecordsSay)
     EXPECT_EQ(bar->value() * 4, bar->maximum());
 }
 
+TEST_F(Window, AButtonTellsWhatItsCommandHasMadeOfItsToolTip)
+{
+    MainWindow window(form, frame, commands);
+    window.showRecords();
+    const auto* button = window.findChild<QAction*>("Toolbar1_8");
+    EXPECT_EQ(button->toolTip(), "Backup Now");
+    form.Toolbar1(8).toolTip = "BackupNow";
+    window.showRecords();
+    EXPECT_EQ(button->toolTip(), "BackupNow");
+}
+
 // Opening a profile for changes leaves its bar full, and nothing empties it.
 TEST_F(Window, AFullBarStandsOnlyWhileACommandRuns)
 {
