@@ -49,7 +49,7 @@ QString inWords(double seconds)
         const std::int64_t whole = left / kUnits[i].seconds;
         if (whole == 0 && i + 1 < kUnits.size())
             continue;
-        const QString first = counted(whole, kUnits[i]);
+        QString first = counted(whole, kUnits[i]);
         left %= kUnits[i].seconds;
         if (i + 1 == kUnits.size() || left < kUnits[i + 1].seconds)
             return first;

@@ -121,7 +121,7 @@ void RestoreLocationView::hideEvent(QHideEvent* event)
 // ---- as of when
 
 ByDateView::ByDateView(state::frmByDate& form, ByDateHandlers handlers, QWidget* parent)
-    : ModalForm("frmByDate", form.caption, form.loaded, parent)
+    : ModalForm("frmByDate", form.caption, form.loaded, parent), m_watch(this)
 {
     auto* calendar = named<QCalendarWidget>("mnvResDate");
     auto* accept = named<QPushButton>("cmdOk");
@@ -152,7 +152,21 @@ ByDateView::ByDateView(state::frmByDate& form, ByDateHandlers handlers, QWidget*
     layout->addWidget(calendar);
     addButtons(*layout, {accept, cancel});
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    m_watch.setInterval(kWatchMs);
+    connect(&m_watch, &QTimer::timeout, this, [this] { m_binder.show(); });
     m_binder.show();
+}
+
+void ByDateView::showEvent(QShowEvent* event)
+{
+    ModalForm::showEvent(event);
+    m_watch.start();
+}
+
+void ByDateView::hideEvent(QHideEvent* event)
+{
+    m_watch.stop();
+    ModalForm::hideEvent(event);
 }
 
 } // namespace vardelin::ui

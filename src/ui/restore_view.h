@@ -56,13 +56,21 @@ struct ByDateHandlers {
     Handler cmdCancel_Click;
 };
 
-// frmByDate: the day whose state a restore brings back.
+// frmByDate: the day whose state a restore brings back. The restore goes on inside the handler of
+// its OK; the window closes as soon as the record says so, before that.
 class ByDateView final : public ModalForm {
     Q_OBJECT
 
 public:
     // The record must outlive the window.
     ByDateView(state::frmByDate& form, ByDateHandlers handlers, QWidget* parent = nullptr);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    QTimer m_watch;
 };
 
 } // namespace vardelin::ui

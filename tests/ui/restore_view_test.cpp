@@ -160,6 +160,21 @@ TEST_F(ByDate, TheKeyboardChoosesADayAndEnterTakesIt)
     EXPECT_FALSE(view.isVisible());
 }
 
+TEST_F(ByDate, TheWindowIsGoneWhileTheRestoreThatItsOkLeadsToGoesOn)
+{
+    const QWidget* window = nullptr;
+    bool isGone = false;
+    handlers.cmdOk_Click = [&] {
+        form.loaded = false;
+        isGone = QTest::qWaitFor([&] { return window->isHidden(); });
+    };
+    ByDateView view(form, handlers);
+    window = &view;
+    present(view);
+    control<QPushButton>(view, "cmdOk").click();
+    EXPECT_TRUE(isGone);
+}
+
 TEST_F(ByDate, TheButtonsAnswerAndEscIsNoAnswer)
 {
     ByDateView view(form, handlers);
