@@ -42,15 +42,31 @@ void helpClicked(EditorFormContext& context, std::string_view procedure, std::si
                      [&] { showHelp(context.window, tab); });
 }
 
+// A box is written in where its tick stands. The ticks of a profile come without their handlers,
+// and the boxes are as the profile before it left them.
+void fitBoxesToChecks(state::ProfileEditorState& editor)
+{
+    const auto fit = [](const state::CheckBox& check, state::TextBox& box) {
+        box.locked = check.value == 0;
+        if (box.locked)
+            box.text.clear();
+    };
+    fit(editor.chkIdle, editor.txtIdleTime);
+    fit(editor.chkQueueThrld, editor.txtQueueThrld);
+    fit(editor.chkSizeOfBkp, editor.txtSizeOfBkp);
+    fit(editor.chkWarn, editor.txtWarn);
+    fit(editor.chkPassword, editor.txtPassWord);
+    fit(editor.chkPassword, editor.txtHintAns);
+}
+
 void setUp(EditorFormContext& context)
 {
     state::ProfileEditorState& editor = context.tree.editor;
     const base::DateTime now = context.tree.machine.clock.now();
     for (state::Frame* const frame : {&editor.Frame3, &editor.Frame4, &editor.Frame5})
         frame->enabled = false;
-    editor.Frame6.visible = true;
-    for (state::Frame* const frame : {&editor.Frame7, &editor.Frame8, &editor.Frame9})
-        frame->visible = false;
+    state::showPatternPage(editor, 1);
+    fitBoxesToChecks(editor);
     context.tree.form.imageIndex = kFixedImages;
     editor.dtpStDate.value = now;
     editor.dtpStTime.value = now;
@@ -121,6 +137,10 @@ void enableAll(EditorFormContext& context)
     // A save takes the password's boxes away; whoever edits again must find them.
     editor.Frame14.visible = true;
     editor.Frame14.enabled = editor.chkPassword.value == 1;
+    editor.txtPassWord.enabled = true;
+    fitBoxesToChecks(editor);
+    editor.txtLatestDaysVer.enabled = editor.optVer8.enabled;
+    editor.Label4.enabled = editor.optVer8.enabled;
 }
 
 std::vector<std::string> textsOf(const ListBox& list)

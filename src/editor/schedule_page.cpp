@@ -17,7 +17,6 @@ enum class Pattern : std::size_t { Daily, Weekly, Monthly, Yearly };
 // One pattern's page. Yearly has two lists, daily none.
 struct PatternPage {
     state::OptionButton& option;
-    state::Frame& frame;
     state::TextBox& recurrence;
     state::TimePicker& time;
     std::vector<ListBox*> lists;
@@ -26,10 +25,10 @@ struct PatternPage {
 std::array<PatternPage, 4> pagesOf(state::ProfileEditorState& e)
 {
     return {{
-        {e.optDaily, e.Frame6, e.txtDailyRecur, e.dtpDaily, {}},
-        {e.optWeekly, e.Frame7, e.txtWeeklyRecur, e.dtpWeekly, {&e.lstWeekDays}},
-        {e.optMonthly, e.Frame8, e.txtMonthlyRecur, e.dtpMonthly, {&e.lstMonthDate}},
-        {e.optYearly, e.Frame9, e.txtYearlyRecur, e.dtpYearly, {&e.lstMonth, &e.lstYearDate}},
+        {e.optDaily, e.txtDailyRecur, e.dtpDaily, {}},
+        {e.optWeekly, e.txtWeeklyRecur, e.dtpWeekly, {&e.lstWeekDays}},
+        {e.optMonthly, e.txtMonthlyRecur, e.dtpMonthly, {&e.lstMonthDate}},
+        {e.optYearly, e.txtYearlyRecur, e.dtpYearly, {&e.lstMonth, &e.lstYearDate}},
     }};
 }
 
@@ -54,14 +53,6 @@ base::DateTime timeOfNow(PagesContext& context)
     return {{}, context.machine.clock.now().time};
 }
 
-// The frames of the other patterns are hidden, all at the same place.
-void showPage(state::ProfileEditorState& editor, Pattern pattern)
-{
-    const auto pages = pagesOf(editor);
-    for (std::size_t i = 0; i < pages.size(); ++i)
-        pages[i].frame.visible = i == static_cast<std::size_t>(pattern);
-}
-
 void resetPage(const PatternPage& page)
 {
     page.recurrence.text = "1";
@@ -77,7 +68,7 @@ void patternClick(PagesContext& context, Pattern pattern)
     const RetentionRule& rule = kRetentionRules.at(index);
     runHandler(context, rule.handler, [&] {
         state::ProfileEditorState& editor = context.editor;
-        showPage(editor, pattern);
+        state::showPatternPage(editor, static_cast<int>(index) + 1);
         pagesOf(editor).at(index).time.value = timeOfNow(context);
         editor.dtpStTime.value = timeOfNow(context);
         const auto options = editor.retentionOptions();
@@ -97,7 +88,7 @@ void switchOn(PagesContext& context)
     editor.Frame4.enabled = true;
     editor.Frame5.enabled = true;
     editor.Frame3.enabled = true;
-    showPage(editor, Pattern::Daily);
+    state::showPatternPage(editor, 1);
     state::choose(editor.patternOptions(), 1);
     optDaily_Click(context);
     editor.dtpStDate.value = {context.machine.clock.now().date, {}};

@@ -88,6 +88,12 @@ void Reader::reset()
     m_editor.lstExclude.clear();
     m_editor.lstInclude.clear();
     m_editor.chkAutoSched.value = 0;
+    // A profile without a timetable has no pattern: not that of the profile before it, which would
+    // also keep retention options away.
+    state::choose(m_editor.patternOptions(), 0);
+    state::showPatternPage(m_editor, 1);
+    for (state::OptionButton* const option : m_editor.retentionOptions())
+        option->enabled = true;
     m_context.lists.Refreshlist(true, true, true, true);
 }
 

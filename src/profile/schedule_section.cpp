@@ -70,6 +70,7 @@ void ScheduleReader::read()
 void ScheduleReader::readPattern(int pattern)
 {
     state::choose(m_editor.patternOptions(), pattern);
+    state::showPatternPage(m_editor, pattern);
     const auto& allowed = kRetentionOfPattern.at(static_cast<std::size_t>(pattern) - 1);
     const auto options = m_editor.retentionOptions();
     for (std::size_t i = 0; i < options.size(); ++i)

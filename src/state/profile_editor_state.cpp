@@ -75,4 +75,16 @@ std::array<const OptionButton*, 8> ProfileEditorState::retentionOptions() const
     return {&optVer1, &optVer2, &optVer3, &optVer4, &optVer5, &optVer6, &optVer7, &optVer8};
 }
 
+std::array<Frame*, 4> ProfileEditorState::patternPages()
+{
+    return {&Frame6, &Frame7, &Frame8, &Frame9};
+}
+
+void showPatternPage(ProfileEditorState& editor, int pattern)
+{
+    const auto pages = editor.patternPages();
+    for (std::size_t i = 0; i < pages.size(); ++i)
+        pages.at(i)->visible = static_cast<int>(i) + 1 == pattern;
+}
+
 } // namespace vardelin::state

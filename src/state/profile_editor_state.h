@@ -109,7 +109,11 @@ struct ProfileEditorState {
     std::array<const OptionButton*, 4> patternOptions() const;
     std::array<OptionButton*, 8> retentionOptions();
     std::array<const OptionButton*, 8> retentionOptions() const;
+    std::array<Frame*, 4> patternPages();
 };
+
+// Shows the page of one pattern, counted from 1, and hides the others: all stand at the same place.
+void showPatternPage(ProfileEditorState& editor, int pattern);
 
 // The full contents of the schedule lists, nothing selected.
 void fillDayNames(ListBox& list);   // "Sunday" to "Saturday"

@@ -10,6 +10,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vardelin::editor {
@@ -50,6 +51,10 @@ struct LifeCycle : testing::Test, test::PagesRig {
         loadProfileForm(life);
         viewMode();
         record.tvwDirectory.clear();
+        store.opened.clxnOpenedSources.clear();
+        store.opened.clxnOpenedIncluded.clear();
+        store.opened.clxnOpenedExcluded.clear();
+        store.opened.clxnOpenedOtherData.clear();
         profile::ActivateOpenProfile(profiles, "UA.txt", "C:\\App\\Profiles\\");
         frame.BL_Edit_Mode = true;
         frame.BL_New_Mode = frame.BL_Open_Mode = false;
@@ -319,14 +324,40 @@ TEST_F(LifeCycle, ADriveThatIsGoneLeavesAWordInTheTrace)
     EXPECT_THAT(dialog.shown, IsEmpty());
 }
 
+// Each list moves the bar by its share alone, and the last step waits where it would pass the
+// bound: a third of fifty, rounded to six places, is a little too much three times.
 TEST_F(LifeCycle, TheBarStaysWithinTheSharesOfTheLists)
 {
-    for (int i = 0; i < 200; ++i)
-        shell.types[".x" + std::to_string(i)] = {"type", ""};
-    edit("{Source files}\r\n{End Of Source files}\r\n{Included options}\r\n.x7\r\n"
-         "{End Of Included options}\r\n");
-    EXPECT_EQ(frame.pb.value, frame.pb.maximum);
-    EXPECT_THAT(checkedRows(record.lstInclude), ElementsAre(".x7"));
+    struct Row {
+        int extraTypes;
+        std::string_view lastIncluded; // their replay is the moment to look at the bar
+        std::string_view lastExcluded;
+        double afterIncluded; // at the last row, before its own step
+        double afterExcluded;
+    };
+    // Whatever is included is missing in the second list: 2 rows of 25, 199 of 0.251256.
+    const Row rows[] = {{0, ".txt", ".jpg", 33.333334, 58.333334},
+                        {197, ".x99", ".x98", 49.75, 99.498688}};
+    for (const Row& row : rows) {
+        for (int i = 0; i < row.extraTypes; ++i)
+            shell.types[".x" + std::to_string(i)] = {"type", ""};
+        std::vector<double> seen;
+        clock.script().onCallsNamed("clock.toLocal", [&](const platform::CallScript::Call&) {
+            if (seen.empty() || seen.back() != frame.pb.value)
+                seen.push_back(frame.pb.value);
+        });
+        edit("{Source files}\r\n{End Of Source files}\r\n{Excluded options}\r\n" +
+             std::string(row.lastExcluded) +
+             "\r\n{End Of Excluded options}\r\n{Included options}\r\n" +
+             std::string(row.lastIncluded) + "\r\n{End Of Included options}\r\n");
+        clock.script().reset();
+        ASSERT_GE(seen.size(), 3U);
+        EXPECT_NEAR(seen[seen.size() - 3], row.afterIncluded, 0.0001);
+        EXPECT_NEAR(seen[seen.size() - 2], row.afterExcluded, 0.0001);
+        EXPECT_EQ(frame.pb.value, frame.pb.maximum);
+        for (const double value : seen)
+            EXPECT_LE(value, frame.pb.maximum);
+    }
 }
 
 // A save hides the password's boxes; a profile that is edited again shows them, and so does the
@@ -340,6 +371,80 @@ TEST_F(LifeCycle, ThePasswordsBoxesComeBack)
     edit("{Source files}\r\n{End Of Source files}\r\n{Password}\r\nTrue\r\nsecret\r\nq\r\na\r\n"
          "{End Of Password}\r\n");
     EXPECT_TRUE(record.Frame14.enabled);
+}
+
+// The reader runs no handler, and the page of another pattern would hide what was saved.
+TEST_F(LifeCycle, AnOpenedProfileShowsThePageOfItsPattern)
+{
+    const std::string_view values[] = {"", "Days=SxxxxxS\r\n", "Dates=1\r\n",
+                                       "Months=May\r\nDates=2\r\n"};
+    for (std::size_t i = 0; i < std::size(values); ++i) {
+        editScheduled("RecurrencePattern =" + std::to_string(i + 1) +
+                      "\r\nRecur=1\r\nTimeAt=1:00:00 AM\r\n" + std::string(values[i]));
+        const auto shownPages = record.patternPages();
+        for (std::size_t page = 0; page < shownPages.size(); ++page)
+            EXPECT_EQ(shownPages.at(page)->visible, page == i) << "pattern " << i + 1;
+    }
+    edit("{Source files}\r\n{End Of Source files}\r\n");
+    EXPECT_TRUE(record.Frame6.visible);
+    EXPECT_FALSE(record.Frame9.visible);
+}
+
+// The form is the same for the next profile that is opened in it.
+TEST_F(LifeCycle, AProfileWithoutATimetableHasNothingOfTheOneBefore)
+{
+    editScheduled("RecurrencePattern =2\r\nRecur=3\r\nTimeAt=1:00:00 AM\r\nDays=SxxxxxS\r\n");
+    ASSERT_FALSE(record.optVer8.enabled);
+    ASSERT_FALSE(record.txtLatestDaysVer.enabled || record.Label4.enabled)
+        << "a weekly profile retains no days";
+
+    edit("{Source files}\r\n{End Of Source files}\r\nRetention=8?5\r\n");
+    EXPECT_EQ(record.chkAutoSched.value, 0);
+    EXPECT_EQ(state::chosen(std::as_const(record).patternOptions()), 0);
+    expectFullLists();
+    EXPECT_THAT(selectedEverywhere(), IsEmpty());
+    for (const state::OptionButton* option : record.retentionOptions())
+        EXPECT_TRUE(option->enabled);
+    EXPECT_TRUE(record.optVer8.value);
+    EXPECT_EQ(record.txtLatestDaysVer.text, "5");
+    EXPECT_TRUE(record.txtLatestDaysVer.enabled && record.Label4.enabled);
+}
+
+TEST_F(LifeCycle, ABoxIsWrittenInWhereItsTickStands)
+{
+    const auto locked = [&] {
+        std::vector<bool> each;
+        for (const state::TextBox* box :
+             {&record.txtIdleTime, &record.txtQueueThrld, &record.txtSizeOfBkp, &record.txtWarn,
+              &record.txtPassWord, &record.txtHintAns})
+            each.push_back(box->locked);
+        return each;
+    };
+    const std::string off = "{Source files}\r\n{End Of Source files}\r\n"
+                            "{Password}\r\nFalse\r\n{End Of Password}\r\n"
+                            "{Free Space Warn}\r\nFalse\r\n{End Of Free Space Warn}\r\n"
+                            "{System Idle}\r\nFalse\r\n{End Of System Idle}\r\n"
+                            "{Confirm Backup}\r\nFalse\r\n{End Of Confirm Backup}\r\n"
+                            "{Threshold Queue}\r\nFalse\r\n{End Of Threshold Queue}\r\n";
+    const std::string on = "{Source files}\r\n{End Of Source files}\r\n"
+                           "{Password}\r\nTrue\r\nsecret\r\nq\r\na\r\n{End Of Password}\r\n"
+                           "{Free Space Warn}\r\nTrue\r\nWarn=10%\r\n{End Of Free Space Warn}\r\n"
+                           "{System Idle}\r\nTrue\r\nIdle=25\r\n{End Of System Idle}\r\n"
+                           "{Confirm Backup}\r\nTrue\r\nSize=70GB\r\n{End Of Confirm Backup}\r\n"
+                           "{Threshold Queue}\r\nTrue\r\nFiles=300\r\n{End Of Threshold Queue}\r\n";
+    loadProfileForm(life);
+    EXPECT_THAT(locked(), testing::Each(true));
+    edit(on);
+    EXPECT_THAT(locked(), testing::Each(false));
+    EXPECT_EQ(record.txtPassWord.text + record.txtWarn.text + record.txtIdleTime.text +
+                  record.txtSizeOfBkp.text + record.txtQueueThrld.text,
+              "secret10%2570300");
+    edit(off);
+    EXPECT_THAT(locked(), testing::Each(true));
+    EXPECT_EQ(record.txtSizeOfBkp.text, "") << "the reader leaves it standing";
+    edit(on);
+    EXPECT_THAT(locked(), testing::Each(false));
+    EXPECT_TRUE(record.txtPassWord.enabled) << "the profile before had no password";
 }
 
 } // namespace
