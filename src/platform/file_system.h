@@ -190,6 +190,10 @@ struct Space {
     std::uint64_t freeBytes = 0; // free to this user
 };
 
+// The file that stands for a folder's lock where the folder itself cannot be locked. It stays there
+// when the lock is given up, and says nothing.
+inline constexpr const char* kLockFileName = ".vardelin-lock";
+
 // The primitives. The path functions below stand on them and are the same for every machine.
 class FileSystem {
 public:

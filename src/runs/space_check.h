@@ -24,7 +24,7 @@ struct SpaceCheckContext {
 void Checkspace(const SpaceCheckContext& context);
 
 // The drive of an entry of CmbDestDrives or of a path, as `C:\`: the letter in front of the first
-// colon, wherever that stands. Empty where there is none.
+// colon, wherever that stands, or without a colon the one in brackets. Empty where there is none.
 std::string sGetdrivename(std::string_view text);
 
 // The destination of the profile `profileName` (without its extension) changed: copies the archive
@@ -32,9 +32,9 @@ std::string sGetdrivename(std::string_view text);
 // than the archive takes; says so where it has not. Holds both archives against other runs.
 //
 // Each file comes to its name with its content, its times, its rights and its attributes, and when
-// its data is on the disk. The old archive stays as it is. What fails is reported, with the path,
-// and ends the copying; a later copy, or a backup, completes it. Yields while it works and shows
-// the share that is done in panel 1.
+// its data is on the disk. The old archive stays as it is, and files that a run left unfinished
+// stay behind in it. What fails is reported, with the path, and ends the copying; a later copy, or
+// a backup, completes it. Yields while it works and shows the share that is done in panel 1.
 void CheckspaceFornew(const SpaceCheckContext& context, std::string_view profileName,
                       std::string_view oldDestination, std::string_view newDestination);
 

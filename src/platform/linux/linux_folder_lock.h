@@ -5,9 +5,6 @@
 
 namespace vardelin::platform {
 
-// The file that stands for the lock where a folder itself cannot be locked.
-inline constexpr const char* kLockFileName = ".vardelin-lock";
-
 // Locks an open folder for one holder among all processes; raises 70 while it is held elsewhere.
 // Network file systems that lock no folders get the lock on a file in it instead, which stays
 // there.
