@@ -19,8 +19,16 @@ class ReviewModel final : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    enum Column { kName, kVersion, kModified, kSize, kCreated, kColumns };
-    enum Role { kLevelRole = Qt::UserRole, kButtonRole }; // of the first column
+    // Columns, from 0.
+    static constexpr int kName = 0;
+    static constexpr int kVersion = 1;
+    static constexpr int kModified = 2;
+    static constexpr int kSize = 3;
+    static constexpr int kCreated = 4;
+    static constexpr int kColumns = 5;
+    // Roles of the first column.
+    static constexpr int kLevelRole = Qt::UserRole;
+    static constexpr int kButtonRole = Qt::UserRole + 1;
 
     // The record must outlive the model, and so must the shell; without one all files have one
     // icon.
