@@ -45,6 +45,7 @@ Application::Application(const Ports& ports)
       m_form{m_tree, m_pages, profileForm, mainFrame, m_editorLists},
       m_opening{m_profiles,     openForm,      profileForm,    listing,
                 m_profileFiles, m_fileChooser, bProfileOpened, lastSelected},
+      archive(m_profiles, m_window, m_editorWindow, m_runner, mainFrame),
       m_profileView(new ui::ProfileForm(editor, profileForm, editorHandlers(m_form, m_runner))),
       m_frameWindow({m_window, *m_profileView, profileForm, mainFrame, treeForm}, hooks()),
       m_frame{m_profiles, m_opening, m_form, m_schedules, mainFrame, m_frameWindow},
@@ -53,7 +54,8 @@ Application::Application(const Ports& ports)
       m_startUp{m_frame, splash, ports.instance, m_startUpWindow, services, nullptr, ports.appPath}
 {
     m_window.addForm(m_profileView);
-    m_commands.attach(m_frame, m_backup);
+    m_commands.attach(m_frame, m_backup, archive);
+    archive.attach(m_frame, m_pages);
     m_editorWindow.attach(m_pages);
     m_fileChooser.setParent(&m_window);
     m_frameWindow.attach({.openProfile =
@@ -64,8 +66,8 @@ Application::Application(const Ports& ports)
                               [this](state::frmRestDialog& form) {
                                   return ui::nameDialogHandlers(m_frame, form, hooks().run);
                               },
-                          .unloadReview = {},
-                          .unloadLogs = {}});
+                          .unloadReview = [this] { archive.unloadReview(); },
+                          .unloadLogs = [this] { archive.unloadLogs(); }});
     m_startUpWindow.attach(m_startUp);
 }
 
@@ -93,6 +95,7 @@ void Application::showFrame()
     if (shows && !m_editorShown)
         m_profileView->setFocus();
     m_editorShown = shows;
+    archive.showRecords();
     showBackup();
 }
 

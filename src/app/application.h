@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/archive_parts.h"
 #include "app/commands.h"
 #include "app/handler_runner.h"
 #include "app/start_up_window.h"
@@ -105,6 +106,11 @@ private:
     editor::EditorFormContext m_form;
     profile::OpeningContext m_opening;
 
+public:
+    // The review, the restore and the logs.
+    ArchiveParts archive;
+
+private:
     ui::ProfileForm* m_profileView; // the window's area owns it
     bool m_editorShown = false;
     ui::QtFrameWindow m_frameWindow;

@@ -2,26 +2,16 @@
 
 #include "editor/password_page.h"
 #include "frame/main_frame.h"
-#include "ui/password_view.h"
-#include "ui/restore_view.h"
+#include "ui/archive_form_handlers.h"
 
 namespace vardelin::app {
-namespace {
-
-constexpr int kRightButton = 2;
-
-} // namespace
-
 void ArchiveWindows::showReviewPassword(runs::PasswordGateContext& gate, state::frmResPwd& form)
 {
     {
         ui::PasswordView view(
             form,
-            {.cmdOk_Click = handler("cmdOk_Click", [&] { runs::cmdOk_Click(gate, form); }),
-             .cmdCancel_Click =
-                 handler("cmdCancel_Click", [&] { editor::cmdCancel_Click(*m_pages, form); }),
-             .lblForgotPwd_Click =
-                 handler("lblForgotPwd_Click", [&] { runs::lblForgotPwd_Click(gate, form); })},
+            ui::reviewPasswordHandlers(
+                gate, form, [&] { editor::cmdCancel_Click(*m_pages, form); }, handlerRun()),
             &m_window);
         view.exec();
     }
@@ -32,28 +22,10 @@ void ArchiveWindows::showReviewPassword(runs::PasswordGateContext& gate, state::
 
 void ArchiveWindows::showRestLocation(state::frmRestLocation& form)
 {
-    runs::RestoreContext& restore = *m_restore;
     {
-        ui::RestoreLocationView view(
-            form,
-            {.cmbRestLoc = {.click = handler("cmbRestLoc_Click",
-                                             [&] { runs::cmbRestLoc_Click(restore); }),
-                            .gotFocus = {},
-                            .keyPress = &runs::cmbRestLoc_KeyPress,
-                            .keyDown = &runs::cmbRestLoc_KeyDown},
-             .txtRestLoc = {.change = {},
-                            .gotFocus = {},
-                            .lostFocus = {},
-                            .keyPress =
-                                [&](int key) { return runs::txtRestLoc_KeyPress(restore, key); },
-                            .rightButton = handler(
-                                "txtRestLoc_MouseDown",
-                                [&] { runs::txtRestLoc_MouseDown(restore, kRightButton); })},
-             .cmdBrowse_Click = handler("cmdBrowse_Click", [&] { runs::cmdBrowse_Click(restore); }),
-             .cmdOK_Click = handler("cmdOk_Click", [&] { runs::restoreOk_Click(restore); }),
-             .cmdCancel_Click =
-                 handler("cmdCancel_Click", [&] { runs::restoreCancel_Click(restore); })},
-            {restore.restore.running, restore.profiles.frame.pb}, &m_window);
+        ui::RestoreLocationView view(form, ui::restoreLocationHandlers(*m_restore, handlerRun()),
+                                     {m_restore->restore.running, m_restore->profiles.frame.pb},
+                                     &m_window);
         view.exec();
     }
     m_runner.unwindAfterEvents();
@@ -62,24 +34,17 @@ void ArchiveWindows::showRestLocation(state::frmRestLocation& form)
 
 void ArchiveWindows::showByDate(state::frmByDate& form)
 {
-    runs::RestoreContext& restore = *m_restore;
     {
-        ui::ByDateView* shown = nullptr;
-        ui::ByDateView view(
-            form,
-            {.cmdOk_Click = handler("cmdOk_Click",
-                                    [&] {
-                                        shown->hide(); // the next dialog opens in this handler
-                                        runs::byDateOk_Click(restore);
-                                    }),
-             .cmdCancel_Click =
-                 handler("cmdCancel_Click", [&] { runs::byDateCancel_Click(restore); })},
-            &m_window);
-        shown = &view;
+        ui::ByDateView view(form, ui::byDateHandlers(*m_restore, handlerRun()), &m_window);
         view.exec();
     }
     m_runner.unwindAfterEvents();
     form.loaded = false;
+}
+
+ui::HandlerRun ArchiveWindows::handlerRun()
+{
+    return [this](const char* name, const ui::Handler& body) { m_runner.run(name, body); };
 }
 
 void ArchiveWindows::setFrameActive(bool active)

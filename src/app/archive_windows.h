@@ -37,12 +37,8 @@ public:
     void clearClipboard() override;
 
 private:
-    // A handler of a form: an error ends in the error dialog and not in the toolkit.
-    template <typename Body>
-    ui::Handler handler(const char* name, Body body) const
-    {
-        return [name, body = std::move(body), runner = &m_runner] { runner->run(name, body); };
-    }
+    // How the forms run their handlers: an error ends in the error dialog and not in the toolkit.
+    ui::HandlerRun handlerRun();
 
     QWidget& m_window;
     ui::QtEditorWindow& m_editorWindow;

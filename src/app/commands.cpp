@@ -19,26 +19,6 @@ void Commands::notYet(const char* name, std::string_view part)
     });
 }
 
-void Commands::mnuBkpSto_Click()
-{
-    notYet("mnuBkpSto_Click", "Review and Restore");
-}
-
-void Commands::mnudispQ_Click()
-{
-    notYet("mnudispQ_Click", "Queue Log");
-}
-
-void Commands::mnuBackLog_Click()
-{
-    notYet("mnuBackLog_Click", "Backup Log");
-}
-
-void Commands::mnuRestLog_Click()
-{
-    notYet("mnuRestLog_Click", "Restore Log");
-}
-
 void Commands::mnuOptions_Click()
 {
     notYet("mnuOptions_Click", "Options");
@@ -91,6 +71,26 @@ void Commands::mnuExit_Click()
 void Commands::mnuBackup_Click()
 {
     m_runner.run("mnuBackup_Click", [&] { frame::mnuBackup_Click(*m_context, *m_backup); });
+}
+
+void Commands::mnuBkpSto_Click()
+{
+    m_runner.run("mnuBkpSto_Click", [&] { m_archive->mnuBkpSto_Click(); });
+}
+
+void Commands::mnudispQ_Click()
+{
+    m_runner.run("mnudispQ_Click", [&] { m_archive->mnudispQ_Click(); });
+}
+
+void Commands::mnuBackLog_Click()
+{
+    m_runner.run("mnuBackLog_Click", [&] { m_archive->mnuBackLog_Click(); });
+}
+
+void Commands::mnuRestLog_Click()
+{
+    m_runner.run("mnuRestLog_Click", [&] { m_archive->mnuRestLog_Click(); });
 }
 
 // ---- the toolbar

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/archive_parts.h"
 #include "app/handler_runner.h"
 #include "frame/frame_context.h"
 #include "frame/main_frame.h"
@@ -21,10 +22,11 @@ public:
     }
 
     // Before the first command; the contexts outlive this object.
-    void attach(frame::FrameContext& context, runs::BackupContext& backup)
+    void attach(frame::FrameContext& context, runs::BackupContext& backup, ArchiveParts& archive)
     {
         m_context = &context;
         m_backup = &backup;
+        m_archive = &archive;
     }
 
     void mnuNew_Click() override;
@@ -57,6 +59,7 @@ private:
     platform::MessageBoxes& m_messageBoxes;
     frame::FrameContext* m_context = nullptr;
     runs::BackupContext* m_backup = nullptr;
+    ArchiveParts* m_archive = nullptr;
     // Of the engine that stands ready while a button's command runs.
     std::optional<runs::BackupEvents> m_toolbarEvents;
 };

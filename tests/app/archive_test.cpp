@@ -6,9 +6,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QLabel>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 
 // What the program does with an archive, on this machine's disk.
@@ -112,6 +114,88 @@ TEST_F(Archive, CancelEndsABackupAndKeepsWhatIsSaved)
 
     run("mnuBackup");
     EXPECT_EQ(copies(), static_cast<std::size_t>(kFiles)) << "the next run completes it";
+}
+
+// Opens row after row by the keyboard until a file's version is under the cursor.
+void openDown(QAbstractItemView& list, const state::frmVDStorage& storage)
+{
+    constexpr std::size_t kDeepest = 40;
+    list.setFocus();
+    list.setCurrentIndex(list.model()->index(0, 0));
+    for (std::size_t row = 0; row < kDeepest; ++row) {
+        ASSERT_LT(row, storage.lstRestore.size());
+        if (storage.lstRestore[row].file)
+            return;
+        QTest::keyClick(&list, Qt::Key_Right);
+        QApplication::processEvents();
+        QTest::keyClick(&list, Qt::Key_Down);
+        QApplication::processEvents();
+    }
+}
+
+TEST_F(Archive, TheReviewShowsTheCopiesAndARestoreBringsOneBack)
+{
+    run("mnuBackup");
+    run("mnure");
+    const state::frmVDStorage& storage = rig.program->archive.storage;
+    ASSERT_TRUE(storage.loaded && storage.visible);
+    EXPECT_EQ(storage.caption, "Restore - 'Default 'Profile");
+    auto& list = rig.find<QAbstractItemView>("lstRestore");
+    EXPECT_TRUE(list.isVisibleTo(&rig.program->window()));
+    ASSERT_EQ(storage.lstRestore.front().text, "Files And Folders");
+    openDown(list, storage);
+
+    std::string key;
+    for (const state::ReviewRow& row : storage.lstRestore) {
+        if (row.selected)
+            key = row.key;
+    }
+    ASSERT_THAT(key, testing::EndsWith("_000"));
+    const std::string name = key.substr(key.rfind('\\') + 1, key.rfind('_') - key.rfind('\\') - 1);
+    const std::filesystem::path original = rig.folder / ("home/Documents/" + name);
+    ASSERT_TRUE(std::filesystem::exists(original)) << original;
+    std::filesystem::remove(original);
+
+    QTimer::singleShot(0, [] {
+        QWidget* const form = QApplication::activeModalWidget();
+        ASSERT_NE(form, nullptr);
+        EXPECT_EQ(form->objectName(), "frmRestDialog");
+        form->findChild<QPushButton*>(QStringLiteral("cmdOK"))->click();
+    });
+    rig.find<QAction>("mnuAsOf").trigger();
+    EXPECT_EQ(rig.messageBoxes.shown.back().text, "File(s) have been successfully restored");
+    EXPECT_TRUE(std::filesystem::exists(original));
+
+    rig.messageBoxes.answers = {Answer::Yes};
+    rig.find<QAction>("mnuDel").trigger();
+    EXPECT_EQ(copies(), static_cast<std::size_t>(kFiles) - 1);
+}
+
+TEST_F(Archive, TheLogsTellOfTheRuns)
+{
+    run("mnuBackup");
+    run("mnuBackLog");
+    const state::frmLog& log = rig.program->archive.logForm;
+    ASSERT_EQ(log.lstBackupLog.rows.size(), 1U);
+    EXPECT_EQ(log.lstBackupLog.rows[0].text, "Default");
+    EXPECT_EQ(log.lstBackupLog.rows[0].sub[0], "Full");
+    EXPECT_EQ(log.lstBackupLog.rows[0].sub[2], std::to_string(kFiles));
+    EXPECT_TRUE(rig.find<QWidget>("lstBackupLog").isVisibleTo(&rig.program->window()));
+    run("mnuProfile");
+    EXPECT_FALSE(rig.find<QWidget>("lstBackupLog").isVisibleTo(&rig.program->window()));
+    EXPECT_TRUE(rig.find<QWidget>("frmProfile").isVisibleTo(&rig.program->window()));
+}
+
+// What is on show belongs to the profile that was there.
+TEST_F(Archive, ANewProfileClosesTheReviewOfTheFormerOne)
+{
+    run("mnuBackup");
+    run("mnure");
+    ASSERT_TRUE(rig.program->archive.reviewIsOpen);
+    run("mnuNew");
+    EXPECT_FALSE(rig.program->archive.reviewIsOpen || rig.program->archive.storage.loaded);
+    EXPECT_FALSE(rig.find<QWidget>("lstRestore").isVisibleTo(&rig.program->window()));
+    EXPECT_TRUE(rig.find<QWidget>("frmProfile").isVisibleTo(&rig.program->window()));
 }
 
 } // namespace

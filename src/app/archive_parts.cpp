@@ -1,0 +1,171 @@
+#include "app/archive_parts.h"
+
+#include "archive/deletion.h"
+#include "base/runtime_error.h"
+#include "frame/window_commands.h"
+#include "runs/engine/engine.h"
+#include "ui/log_view.h"
+#include "ui/review_view.h"
+
+namespace vardelin::app {
+namespace {
+
+base::KeyRule pathRule(const platform::FileSystem& files)
+{
+    return files.isCaseSensitive() ? base::KeyRule::Exact : base::KeyRule::IgnoreCase;
+}
+
+} // namespace
+
+ArchiveParts::ArchiveParts(profile::ProfileContext& profiles, ui::MainWindow& window,
+                           ui::QtEditorWindow& editorWindow, HandlerRunner& runner,
+                           state::MainFrameForm& mainFrame)
+    : review(pathRule(profiles.machine.fileSystem)), m_profiles(profiles), m_window(window),
+      m_runner(runner),
+      m_windows(window, editorWindow, runner, mainFrame), m_review{profiles.machine,
+                                                                   profiles.trace,
+                                                                   profiles.frame,
+                                                                   profiles.store.scalars,
+                                                                   storage,
+                                                                   review},
+      m_restore{profiles, review, storage, restoreLocation, byDate, restore, m_windows, {}},
+      m_reviewCommand{m_windows, storage, [this] { loadReview(); }, reviewIsOpen},
+      m_logs{profiles.machine, profiles.trace, profiles.frame, logForm}
+{
+    const auto handler = [this](const char* name, auto body) {
+        return [this, name, body] { m_runner.run(name, body); };
+    };
+    m_reviewView = new ui::ReviewView(
+        storage, profiles.frame.pb,
+        {.rowButtonClicked =
+             [this](std::size_t row) {
+                 m_runner.run("lstRestore_MouseDown",
+                              [&] { archive::rowButtonClicked(m_review, row); });
+             },
+         .rowsRightClicked =
+             [this] {
+                 bool opens = false;
+                 m_runner.run("lstRestore_MouseDown",
+                              [&] { opens = archive::rowsRightClicked(m_review); });
+                 return opens;
+             },
+         .mnuByDate_Click =
+             handler("mnuByDate_Click", [this] { runs::mnuByDate_Click(m_restore); }),
+         .mnuAsOf_Click = handler("mnuAsOf_Click", [this] { runs::mnuAsOf_Click(m_restore); }),
+         .mnuDel_Click = handler("mnuDel_Click", [this] { archive::mnuDel_Click(m_review); }),
+         .Form_Unload = handler("Form_Unload", [this] { closeReview(); })},
+        &profiles.machine.shell);
+    m_logView =
+        new ui::LogView(logForm, {.lstBackupLog_DblClick =
+                                      [this](const state::LogRow& row) {
+                                          std::string text;
+                                          m_runner.run("lstBackupLog_DblClick", [&] {
+                                              text = logs::missedReportText(m_logs, row);
+                                          });
+                                          return text;
+                                      },
+                                  .Form_Unload = handler("Form_Unload", [this] { closeLogs(); })});
+    for (QWidget* const view :
+         {static_cast<QWidget*>(m_reviewView), static_cast<QWidget*>(m_logView)})
+        window.addForm(view);
+}
+
+void ArchiveParts::attach(frame::FrameContext& frame, editor::PagesContext& pages)
+{
+    m_frame = &frame;
+    m_windows.attach(pages, m_restore);
+}
+
+void ArchiveParts::mnuBkpSto_Click()
+{
+    m_restore.run = runs::engineRestore(m_profiles.machine, m_profiles.frame.ST_App_Path);
+    frame::mnuBkpSto_Click(*m_frame, m_reviewCommand);
+    if (storage.loaded && storage.visible)
+        m_window.raiseForm(*m_reviewView);
+}
+
+// The list of an uncompressed archive is written by a backup and used up by a look at it, and it
+// may be another profile's: it is written anew for this one.
+void ArchiveParts::loadReview()
+{
+    const std::uint64_t revision = storage.rowsRevision;
+    storage = {};
+    storage.rowsRevision = revision + 1;
+    review = archive::ReviewState(pathRule(m_profiles.machine.fileSystem));
+    if (!m_profiles.store.scalars.bCompressFiles) {
+        base::PendingError noList; // the load says that there is none
+        noList.attempt([&] {
+            engine::rebuildReviewFiles(m_profiles.machine, m_profiles.frame.ST_App_Path,
+                                       m_profiles.frame.ST_Current_Profile_Path);
+        });
+    }
+    archive::frmVDStorage_Load(m_review);
+}
+
+template <typename Command>
+void ArchiveParts::runLogs(Command command)
+{
+    if (m_frame->main.commandRunning)
+        return;
+    command(m_logs);
+    m_window.raiseForm(*m_logView);
+}
+
+void ArchiveParts::mnuBackLog_Click()
+{
+    runLogs(&logs::mnuBackLog_Click);
+}
+
+void ArchiveParts::mnuRestLog_Click()
+{
+    runLogs(&logs::mnuRestLog_Click);
+}
+
+void ArchiveParts::mnudispQ_Click()
+{
+    runLogs(&logs::mnudispQ_Click);
+}
+
+void ArchiveParts::unloadReview()
+{
+    const std::uint64_t revision = storage.rowsRevision;
+    storage = {};
+    storage.rowsRevision = revision + 1;
+    review = archive::ReviewState(pathRule(m_profiles.machine.fileSystem));
+    reviewIsOpen = false;
+}
+
+void ArchiveParts::unloadLogs()
+{
+    const std::uint64_t revision = logForm.revision;
+    logForm = {};
+    logForm.revision = revision + 1;
+}
+
+void ArchiveParts::closeReview()
+{
+    unloadReview();
+    showEditor();
+}
+
+void ArchiveParts::closeLogs()
+{
+    unloadLogs();
+    showEditor();
+}
+
+void ArchiveParts::showEditor()
+{
+    m_profiles.frame.panel1.text.clear();
+    frame::mnuProfile_Click(*m_frame);
+}
+
+void ArchiveParts::showRecords()
+{
+    m_window.showForm(*m_reviewView, storage.loaded && storage.visible);
+    m_window.showForm(*m_logView, logForm.loaded && logForm.visible);
+    m_reviewView->showRecord();
+    m_logView->showRecord();
+}
+
+} // namespace vardelin::app
