@@ -63,10 +63,12 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& given,
     const QRect place = style.subElementRect(QStyle::SE_ItemViewItemText, &option, widget)
                             .adjusted(margin, 0, -margin, 0);
     painter->setFont(font);
-    painter->setPen(!isNode ? mixed(option.palette.color(QPalette::Active, QPalette::Text), ground,
-                                    kGreyedShare)
-                    : group == QPalette::Disabled ? usual
-                                                  : textColorOf(selection, ground, usual));
+    painter->setPen(
+        !isNode
+            ? mixed(option.palette.color(QPalette::Active, QPalette::Text), ground, kGreyedShare)
+        // On a selected row the box and the slant tell enough: no hue reads well there.
+        : group == QPalette::Disabled || isSelected ? usual
+                                                    : textColorOf(selection, ground, usual));
     painter->drawText(place,
                       Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
                       QFontMetrics(font).elidedText(option.text, Qt::ElideMiddle, place.width()));
