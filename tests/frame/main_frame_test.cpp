@@ -140,9 +140,8 @@ TEST(MainFrame, EveryButtonRunsItsCommand)
         Toolbar_ButtonClick(commands, index);
         // Separators and the button with the drop-down do nothing.
         const std::string& name = expected[index - 1];
-        EXPECT_EQ(commands.ran, name.empty()
-                                    ? (std::vector<std::string>{"begins", "ends"})
-                                    : (std::vector<std::string>{"begins", name, "ends"}))
+        EXPECT_EQ(commands.ran, name.empty() ? (std::vector<std::string>{"begins", "ends"})
+                                             : (std::vector<std::string>{"begins", name, "ends"}))
             << index;
     }
 }
