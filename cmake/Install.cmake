@@ -8,6 +8,8 @@ endif()
 
 if(TARGET vardelin)
     install(TARGETS vardelin RUNTIME DESTINATION .)
+    # Played while a backup runs.
+    install(FILES ${PROJECT_SOURCE_DIR}/assets/Compress_ani.gif DESTINATION .)
     install(FILES ${PROJECT_SOURCE_DIR}/assets/icons/vardelin.svg
         DESTINATION share/icons/hicolor/scalable/apps)
     # For a desktop's menu, to be copied or linked to where that one looks; it names this folder.

@@ -23,6 +23,11 @@ test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev clang clang-format clang-tidy
     acl attr e2fsprogs libcap2-bin xvfb xdotool openbox
 )
+# What draws the manual's pictures and the animation, which are kept with the sources.
+# shellcheck disable=SC2034
+picture_packages=(
+    xvfb xdotool openbox imagemagick pngquant librsvg2-bin gifsicle bubblewrap fonts-noto-core
+)
 
 # A heading between the steps of a script; bold on a terminal.
 say() {

@@ -12,6 +12,7 @@ constexpr std::string_view kTitle = "Vardelin";
 constexpr std::string_view kModule = "frmCancel";
 constexpr std::string_view kAskCancel = "Do you want to cancel the Backup process?";
 constexpr std::string_view kAnimation = "\\Compress_ani.gif";
+constexpr std::uint64_t kLargestAnimation = 4 << 20; // in bytes; what is larger is something else
 
 class RealEngine final : public BackupEngine {
 public:
@@ -89,8 +90,9 @@ void loadCancelForm(BackupContext& context)
     const std::string picture = context.frame.ST_App_Path + std::string(kAnimation);
     base::PendingError noPicture;
     noPicture.attempt([&] {
-        if (context.machine.fileSystem.fileExists(picture))
-            context.form.animation = picture;
+        const auto info = context.machine.fileSystem.find(picture);
+        if (info && info->sizeBytes <= kLargestAnimation)
+            context.form.animation = context.machine.fileSystem.readAll(picture);
     });
     context.form.pbBkp.value = 0;
     context.form.loaded = true;

@@ -13,7 +13,7 @@ struct frmCancel {
     Label lblBkpFileNames; // the file being saved, a path in drive form
     ProgressBar pbBkp;
     Button cmdCancel{.caption = "&Cancel"};
-    std::string animation; // path of the picture that VDGIFANI1 plays; empty where there is none
+    std::string animation; // the GIF that VDGIFANI1 plays, its bytes; empty where there is none
 
     // What the view tells beside the bar.
     std::uint64_t files = 0;     // names that have been shown

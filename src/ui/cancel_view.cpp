@@ -87,8 +87,9 @@ CancelView::CancelView(state::frmCancel& form, CancelHandlers handlers, QWidget*
 void CancelView::build()
 {
     auto* layout = new QVBoxLayout(this);
-    m_picture = named<CompressPicture>("VDGIFANI1");
+    m_picture = named<CompressPicture>("VDGIFANI1", m_form.animation);
     layout->addWidget(m_picture, 0, Qt::AlignHCenter);
+    m_picture->setVisible(m_picture->plays());
     m_file = named<ElidedLabel>("lblBkpFileNames");
     layout->addWidget(m_file);
     m_bar = named<QProgressBar>("pbBkp");
@@ -129,7 +130,6 @@ void CancelView::showRecord()
 
 void CancelView::showFacts()
 {
-    m_picture->setVisible(!m_form.animation.empty());
     const QString file = shown(m_form.lblBkpFileNames.caption);
     m_file->setWhole(file.isEmpty() ? tr("Looking for files to back up...") : file);
     const state::ProgressBar& bar = m_form.pbBkp;

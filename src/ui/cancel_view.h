@@ -14,6 +14,7 @@ class QProgressBar;
 
 namespace vardelin::ui {
 
+class CompressPicture;
 class ElidedLabel;
 
 // What the form's logic does about its controls, under the names of the handlers.
@@ -51,7 +52,7 @@ private:
     CancelHandlers m_handlers;
     FormBinder m_binder;
     QTimer m_watch;
-    QWidget* m_picture = nullptr;
+    CompressPicture* m_picture = nullptr;
     ElidedLabel* m_file = nullptr;
     QProgressBar* m_bar = nullptr;
     QLabel* m_files = nullptr;

@@ -1,19 +1,24 @@
 #pragma once
 
-#include <QElapsedTimer>
-#include <QSvgRenderer>
-#include <QTimer>
+#include <string>
+
+#include <QBuffer>
+#include <QMovie>
 #include <QWidget>
 
 namespace vardelin::ui {
 
-// Files on their way from a folder into an archive, growing smaller as they go; it runs while it is
-// seen.
+// An animated picture, some lines of text high and as wide as it then is; it runs while it is seen.
+// One that is stored larger than that has soft edges, though its pixels are there or not.
 class CompressPicture final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit CompressPicture(QWidget* parent = nullptr);
+    // The bytes of a GIF. Where they are damaged or none, nothing plays, and the widget has
+    // no size; damage further on hides it when it is met.
+    explicit CompressPicture(const std::string& picture, QWidget* parent = nullptr);
+
+    bool plays() const { return m_plays; }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -24,11 +29,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QTimer m_frames;
-    QElapsedTimer m_since;
-    QSvgRenderer m_folder;
-    QSvgRenderer m_file;
-    QSvgRenderer m_archive;
+    QBuffer m_bytes; // the movie reads it again at each turn
+    QMovie m_movie;
+    bool m_plays = false;
 };
 
 } // namespace vardelin::ui

@@ -22,6 +22,7 @@ done
 [ -x "$app/vardelinctl" ] || fail "no program in the root"
 [ ! -x "$build/src/app/vardelin" ] || [ -x "$app/vardelin" ] || fail "no window in the root"
 if [ -x "$app/vardelin" ]; then
+    [ "$(head -c 6 "$app/Compress_ani.gif")" = GIF89a ] || fail "no animation in the root"
     grep -qx "Exec=\"$app/vardelin\" %f" "$app/share/applications/vardelin.desktop" ||
         fail "the desktop file names another program"
 fi

@@ -323,9 +323,10 @@ TEST_F(ArchiveCommands, AMissingAnimationShowsNothing)
     engine.during = [&](engine::EngineEvents&) { EXPECT_EQ(cancel.animation, ""); };
     backUp();
     putFile("C:\\App\\Compress_ani.gif", "GIF89a");
-    engine.during = [&](engine::EngineEvents&) {
-        EXPECT_EQ(cancel.animation, "C:\\App\\Compress_ani.gif");
-    };
+    engine.during = [&](engine::EngineEvents&) { EXPECT_EQ(cancel.animation, "GIF89a"); };
+    backUp();
+    putFile("C:\\App\\Compress_ani.gif", std::string((4 << 20) + 1, 'x'));
+    engine.during = [&](engine::EngineEvents&) { EXPECT_EQ(cancel.animation.size(), 0U); };
     backUp();
 }
 

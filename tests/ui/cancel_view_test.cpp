@@ -1,14 +1,18 @@
 #include "ui/cancel_view.h"
 
+#include "ui/compress_picture.h"
 #include "ui/elided_label.h"
 
 #include "looks.h"
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -16,6 +20,15 @@
 
 namespace vardelin::ui {
 namespace {
+
+// The picture as it is installed.
+std::string animation()
+{
+    QFile file(QStringLiteral(VARDELIN_ANIMATION));
+    if (!file.open(QIODevice::ReadOnly))
+        throw std::runtime_error(VARDELIN_ANIMATION " cannot be read");
+    return file.readAll().toStdString();
+}
 
 class CancelForm : public testing::Test {
 protected:
@@ -152,20 +165,85 @@ TEST_F(CancelForm, ThereIsNoAnimationWithoutItsPicture)
 {
     CancelView view(form, handlers);
     present(view);
-    auto& picture = control<QWidget>(view, "VDGIFANI1");
-    EXPECT_FALSE(picture.isVisible());
-    form.animation = "C:\\App\\Compress_ani.gif";
-    view.showRecord();
+    EXPECT_FALSE(control<CompressPicture>(view, "VDGIFANI1").isVisible());
+}
+
+TEST_F(CancelForm, ThePictureMovesWhileItIsSeen)
+{
+    form.animation = animation();
+    CancelView view(form, handlers);
+    present(view);
+    auto& picture = control<CompressPicture>(view, "VDGIFANI1");
     EXPECT_TRUE(picture.isVisible());
+    EXPECT_GT(picture.width(), 4 * picture.height()) << "as wide as it is stored";
     const QImage first = picture.grab().toImage();
     EXPECT_TRUE(QTest::qWaitFor([&] { return picture.grab().toImage() != first; })) << "it moves";
+}
+
+// Its pixels are there or not; smaller, the edges are partly there, whatever lies behind them.
+TEST_F(CancelForm, ThePictureHasSoftEdges)
+{
+    CompressPicture picture(animation());
+    picture.resize(picture.sizeHint());
+    QImage seen(picture.size(), QImage::Format_ARGB32_Premultiplied);
+    seen.fill(Qt::transparent);
+    picture.render(&seen, {}, {}, QWidget::RenderFlags());
+    int none = 0;
+    int partly = 0;
+    int wholly = 0;
+    for (int y = 0; y < seen.height(); ++y) {
+        for (int x = 0; x < seen.width(); ++x) {
+            const int alpha = qAlpha(seen.pixel(x, y));
+            ++(alpha == 0 ? none : alpha == 255 ? wholly : partly);
+        }
+    }
+    EXPECT_GT(none, wholly);
+    EXPECT_GT(wholly, partly);
+    EXPECT_GT(partly, 100);
+}
+
+TEST_F(CancelForm, ADamagedPictureShowsNothing)
+{
+    const std::string whole = animation();
+    const std::string damaged[] = {"",
+                                   "GIF89a",
+                                   "no picture at all",
+                                   whole.substr(0, 300),
+                                   std::string(whole.size(), '\0'),
+                                   "x" + whole,
+                                   "\x89PNG\r\n\x1a\n" + whole};
+    for (const std::string& bytes : damaged) {
+        form.animation = bytes;
+        CancelView view(form, handlers);
+        present(view);
+        auto& picture = control<CompressPicture>(view, "VDGIFANI1");
+        EXPECT_FALSE(picture.isVisible()) << bytes.substr(0, 20);
+        EXPECT_EQ(picture.sizeHint(), QSize(0, 0));
+    }
+}
+
+TEST_F(CancelForm, APictureDamagedAtAnyPlaceDoesNoHarm)
+{
+    const std::string whole = animation();
+    constexpr std::size_t kPlaces = 40;
+    for (std::size_t i = 1; i < kPlaces; ++i) {
+        const std::size_t at = whole.size() * i * i / (kPlaces * kPlaces);
+        std::string changed = whole;
+        changed[at] = static_cast<char>(changed[at] ^ 0x5a);
+        for (const std::string& bytes : {changed, whole.substr(0, at)}) {
+            CompressPicture picture(bytes);
+            picture.resize(300, 50);
+            picture.grab();
+            EXPECT_EQ(picture.plays(), !picture.sizeHint().isEmpty()) << at;
+        }
+    }
 }
 
 TEST(Looks, NothingIsClippedWhereABackupRuns)
 {
     state::frmCancel form;
     form.loaded = form.visible = true;
-    form.animation = "C:\\App\\Compress_ani.gif";
+    form.animation = animation();
     form.lblBkpFileNames.caption = "C:\\home\\anna\\Pictures\\2026\\Holidays in the mountains\\a "
                                    "picture with a rather long name.jpeg";
     form.pbBkp.value = 37.5;
