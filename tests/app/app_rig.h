@@ -4,17 +4,36 @@
 #include "platform/linux/linux_machine.h"
 #include "platform/memory/memory_instance_lock.h"
 #include "platform/memory/memory_processes.h"
+#include "platform/memory/scripted_file_system.h"
 #include "platform/memory/scripted_message_boxes.h"
 #include "support/temp_folder.h"
 #include "support/trace_rig.h"
 #include "ui/qt_ports.h"
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <QApplication>
 
 namespace vardelin::test {
+
+// This machine's clock, set on or back.
+class MovedClock final : public platform::Clock {
+public:
+    platform::Clock* inner = nullptr;
+    std::chrono::hours ahead{0};
+
+    std::int64_t nowNs() override
+    {
+        return inner->nowNs() + std::chrono::duration_cast<std::chrono::nanoseconds>(ahead).count();
+    }
+    std::chrono::nanoseconds steady() override { return inner->steady(); }
+    base::DateTime toLocal(std::int64_t ns) override { return inner->toLocal(ns); }
+    std::int64_t fromLocal(const base::DateTime& local) override { return inner->fromLocal(local); }
+};
 
 // An application folder of its own on this machine's disk, and the program in it. What the program
 // asks is answered by a script.
@@ -26,6 +45,11 @@ struct AppRig {
     platform::MemoryInstanceLock instance;
     ScriptedErrorDialog errorDialog;
     std::unique_ptr<platform::LinuxMachine> machine;
+    MovedClock clock;
+    // In front of the disk, where a test has put it there before the start.
+    platform::CallScript script;
+    bool scripted = false;
+    std::optional<platform::ScriptedFileSystem> scriptedFiles;
     std::unique_ptr<app::Application> program;
 
     AppRig()
@@ -37,8 +61,8 @@ struct AppRig {
         folder.write("share/mime/globs2", "50:text/plain:*.txt\n50:image/png:*.png\n");
     }
 
-    // Starts the program; one that ran before is gone by then.
-    app::Application& start(std::string_view commandLine = {})
+    // The machine as the next start finds it; no program runs meanwhile.
+    platform::Machine makeMachine()
     {
         program.reset();
         platform::DesktopFolders desktop;
@@ -47,13 +71,21 @@ struct AppRig {
         desktop.data = {folder / "share"};
         machine = std::make_unique<platform::LinuxMachine>(folder / "app", messageBoxes,
                                                            messageLoop, desktop);
-        const platform::Machine real = machine->machine();
-        program = std::make_unique<app::Application>(
-            app::Ports{{real.fileSystem, real.drives, real.registry, real.shell, real.facts,
-                        processes, real.clock, real.messageLoop, real.messageBoxes},
-                       errorDialog,
-                       instance,
-                       machine->appPath()});
+        return machine->machine();
+    }
+
+    // Starts the program; one that ran before is gone by then.
+    app::Application& start(std::string_view commandLine = {})
+    {
+        const platform::Machine real = makeMachine();
+        clock.inner = &real.clock;
+        scriptedFiles.emplace(real.fileSystem, script);
+        program = std::make_unique<app::Application>(app::Ports{
+            {scripted ? *scriptedFiles : real.fileSystem, real.drives, real.registry, real.shell,
+             real.facts, processes, clock, real.messageLoop, real.messageBoxes},
+            errorDialog,
+            instance,
+            machine->appPath()});
         if (!program->start(commandLine))
             return *program;
         // The splash's timer, without its waiting: the first tick loads the frame.
