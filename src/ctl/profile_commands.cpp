@@ -8,6 +8,7 @@
 #include "platform/registry.h"
 #include "profile/default_profile.h"
 #include "profile/list_file.h"
+#include "profile/profile_change.h"
 #include "profile/profile_lists.h"
 #include "profile/profile_writer.h"
 #include "profile/scramble_text.h"
@@ -104,16 +105,21 @@ int saveProfile(Session& session, const std::string& fileName, bool primary)
 {
     const TerminalErrorDialog::Completing completing(session.dialog);
     const std::string folder = session.profilesFolder();
+    profile::ProfileChange change(session.files(), folder, fileName);
     profile::GettingOtherBackUp(session.profiles);
     if (!profile::CreatingVdpFile(session.profiles, fileName, folder))
         return kExitFailed;
-    std::string plainText;
-    base::PendingError unread;
-    unread.attempt([&] { plainText = session.files().readAll(session.profilePath(fileName)); });
+    change.plainWritten();
+    const std::string plainText = session.files().readAll(session.profilePath(fileName));
     session.schedules.WriteSchedReg(fileName);
     const profile::ScrambleResult scrambled =
         profile::PrFileEncrypt(session.profiles, folder, fileName);
+    const bool stands = scrambled.done || change.settle();
+    if (scrambled.done)
+        change.scrambled();
     profile::ClearCollectionsForSave(session.profiles);
+    if (!stands)
+        return kExitFailed;
     markProfile(session, fileName, primary);
     warnOfLossyLines(session, scrambled.lossyLines, plainText);
     if (completing.failed() || !scrambled.done)

@@ -3,6 +3,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "ctl/paths.h"
+#include "profile/interrupted_saves.h"
 
 #include <algorithm>
 #include <utility>
@@ -55,6 +56,13 @@ void Session::requireApplicationFolder() const
     if (!files().folderExists(profilesFolder()))
         throw base::RuntimeError(base::error_number::kPathNotFound, shown(appPath()),
                                  "no application folder is laid out here: vardelinctl init DIR");
+    for (const profile::FinishedSave& save :
+         profile::finishInterruptedSaves(files(), profilesFolder())) {
+        // Not among the results: a command may print a profile.
+        output.warning(fmt::format("the saving of {} was cut off and is finished now", save.name));
+        if (!save.lossyLines.empty())
+            output.warning(profile::lossyLinesText(save));
+    }
 }
 
 std::string profileFileName(std::string_view name)

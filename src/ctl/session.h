@@ -58,7 +58,8 @@ public:
     // A path for messages.
     std::string shown(std::string_view path) const;
 
-    // Raises 76 where no application folder was laid out here.
+    // Raises 76 where no application folder was laid out here. Saves of profiles that a crash cut
+    // off are finished, and told.
     void requireApplicationFolder() const;
 };
 

@@ -9,6 +9,7 @@
 #include "frame/steps.h"
 #include "platform/file_system.h"
 #include "profile/default_profile.h"
+#include "profile/interrupted_saves.h"
 #include "profile/list_file.h"
 #include "profile/opening_texts.h"
 #include "profile/plain_copy.h"
@@ -62,6 +63,7 @@ public:
         m_frame.BL_Is_NT = m_profiles.machine.facts.isNtPlatform();
         startMonitorsOnce();
         m_profiles.machine.messageLoop.yield();
+        finishSaves();
         if (m_frame.BL_First_Run)
             makeDefaultProfile();
         else
@@ -103,6 +105,16 @@ private:
         if (!background::isActivated(activation, m_frame.ST_App_Path))
             background::activateMonitors(activation, m_frame.ST_App_Path, m_frame.BL_Is_NT,
                                          m_context.services);
+    }
+
+    // Before anything looks for a profile: one that is missing would lose its entries.
+    void finishSaves()
+    {
+        for (const profile::FinishedSave& save : profile::finishInterruptedSaves(
+                 m_profiles.machine.fileSystem, profilesFolder(m_context.frame))) {
+            if (!save.lossyLines.empty())
+                refuse(m_context.frame, profile::lossyLinesText(save));
+        }
     }
 
     void makeDefaultProfile()

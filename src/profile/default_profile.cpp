@@ -3,6 +3,7 @@
 #include "base/dates.h"
 #include "base/text.h"
 #include "profile/file_details.h"
+#include "profile/profile_change.h"
 #include "profile/profile_format.h"
 #include "profile/replacing_file.h"
 #include "profile/scrambler.h"
@@ -112,10 +113,15 @@ void DefaultProf(ProfileContext& context)
     trace::runTraced(context.trace, "DefaultProf", names, [&] {
         context.store.scalars.dStartDate = context.machine.clock.now().date;
         const std::string folder = context.frame.ST_App_Path + "\\Profiles";
+        ProfileChange change(context.machine.fileSystem, folder, std::string(kName));
         ReplacingFile file(context.machine.fileSystem, folder, kName);
         print(context, file);
         file.commit();
-        PrFileEncrypt(context, folder, kName);
+        change.plainWritten();
+        if (PrFileEncrypt(context, folder, kName).done)
+            change.scrambled();
+        else
+            change.settle();
         context.schedules.WriteDefaultSchedReg(kName);
     });
 }

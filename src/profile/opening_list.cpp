@@ -1,4 +1,5 @@
 #include "base/text.h"
+#include "profile/interrupted_saves.h"
 #include "profile/opening.h"
 #include "profile/opening_texts.h"
 #include "trace/messages.h"
@@ -91,6 +92,13 @@ std::vector<std::size_t> sortedPlaces(const frmOpenProfile& form, std::size_t co
     return places;
 }
 
+void tellLossyLines(ProfileContext& context, const FinishedSave& save)
+{
+    if (!save.lossyLines.empty())
+        context.machine.messageBoxes.show(lossyLinesText(save), texts::kTitle,
+                                          platform::Buttons::Ok, platform::Icon::Exclamation);
+}
+
 } // namespace
 
 void GettingVdpFiles(OpeningContext& context)
@@ -99,6 +107,10 @@ void GettingVdpFiles(OpeningContext& context)
     trace::TraceContext& trace = context.profiles.trace;
     const trace::TailNames names{kName, kName, kModule, trace::message(texts::kListingFailed)};
     trace::runTraced(trace, kName, names, [&] {
+        for (const FinishedSave& save :
+             finishInterruptedSaves(context.profiles.machine.fileSystem,
+                                    context.profiles.frame.ST_App_Path + "\\Profiles"))
+            tellLossyLines(context.profiles, save);
         context.clsProfileFiles.Clear();
         form.lstOpen.clear();
         form.created.clear();

@@ -429,6 +429,8 @@ void finishInterruptedScramble(platform::FileSystem& fileSystem, std::string_vie
     // Only a whole temporary file outlives its profile.
     if (!isThere(fileSystem, profile) && isThere(fileSystem, temporary))
         fileSystem.rename(temporary, profile);
+    // The temporary name goes to the other profile: its own must be on the disk before.
+    fileSystem.openFolder(folder)->flush();
     fileSystem.rename(kept, temporary);
 }
 

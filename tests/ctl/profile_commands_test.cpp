@@ -218,6 +218,43 @@ TEST(ProfileCommands, ScrambleTheProfileEvenWhenItsScheduleCannotBeRegistered)
               std::string::npos);
 }
 
+// A window that died in the midst of a save leaves the profile in plain text: nobody but the next
+// program that needs it can know.
+TEST(ProfileCommands, FinishASaveThatWasCutOff)
+{
+    LaidOut rig;
+    const std::string path = "C:\\app\\Profiles\\Home.vdp";
+    const std::vector<std::vector<std::string>> commands{
+        {"profile", "list"}, {"profile", "show", "Home"}, {"backup", "Home"}};
+    ASSERT_EQ(rig.run({"profile", "new", "Home", "--source", "letters", "--dest", "D:\\backups"}),
+              0);
+    const std::string scrambled = rig.world.fileSystem.readAll(path);
+    for (const auto& command : commands) {
+        rig.putFile(path, profile::unscrambleText(scrambled));
+        rig.putFile("C:\\app\\Profiles\\~Home.vdp.old", scrambled);
+        EXPECT_EQ(rig.run(command), 0) << command[0];
+        EXPECT_EQ(rig.err.str(),
+                  "vardelinctl: warning: the saving of Home.vdp was cut off and is finished now\n");
+        EXPECT_EQ(rig.world.fileSystem.readAll(path), scrambled);
+        EXPECT_EQ(rig.world.fileSystem.list("C:\\app\\Profiles").size(), 1U);
+    }
+}
+
+// Without its scrambling the old profile is worth more than the new one.
+TEST(ProfileCommands, KeepTheOldProfileWhereTheNewOneCannotBeScrambled)
+{
+    LaidOut rig;
+    ASSERT_EQ(rig.run({"profile", "new", "Home", "--source", "letters", "--dest", "D:\\backups"}),
+              0);
+    const std::string before = rig.world.fileSystem.readAll("C:\\app\\Profiles\\Home.vdp");
+    rig.world.fileSystem.script().failCallsNamed("folder.open", base::error_number::kDiskFull,
+                                                 "UHome.vdp");
+    EXPECT_EQ(rig.run({"profile", "set", "Home", "--include-ext", ".doc"}), 3);
+    rig.world.fileSystem.script().reset();
+    EXPECT_EQ(rig.world.fileSystem.readAll("C:\\app\\Profiles\\Home.vdp"), before);
+    EXPECT_EQ(rig.world.fileSystem.list("C:\\app\\Profiles").size(), 1U);
+}
+
 TEST(ProfileCommands, WarnOfALineThatScramblingCannotKeep)
 {
     LaidOut rig;

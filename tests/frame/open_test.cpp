@@ -203,7 +203,8 @@ TEST(OpenCommand, AProfileThatVanishedBringsTheFormerOneBack)
         }
         rig.openByDialog("Home.vdp");
         rig.script.onCallsNamed("folder.open", [&](const auto& call) {
-            if (call.subject.ends_with("Home.vdp") && rig.isSaved("Home.vdp"))
+            if (!rig.openForm.lstOpen.rows.empty() && call.subject.ends_with("Home.vdp") &&
+                rig.isSaved("Home.vdp"))
                 rig.disk.removeFile(FrameRig::pathOf("Home.vdp"));
         });
         rig.dialog.shown.clear();

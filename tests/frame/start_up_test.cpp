@@ -118,6 +118,37 @@ TEST(GetLongFileName, GivesThePathThatExistsAndNothingElse)
     EXPECT_EQ(GetLongFileName(facts, "C:\\PROGRA~1\\W.VDP"), "");
 }
 
+// Without its name it would not be found, and its entry in the list would go.
+TEST(MDIForm_Load, FinishesASaveThatWasCutOffBeforeItLooksForTheRecentProfile)
+{
+    StartUpRig rig;
+    rig.installed();
+    rig.putProfile("Work.vdp", "D:\\Work\\\r\n");
+    rig.disk.rename(rig.pathOf("Work.vdp"), rig.pathOf("UWork.vdp"));
+    rig.putFile(rig.pathOf("~Work.vdp.old"), "");
+    rig.recent("Work.vdp");
+    rig.start();
+    EXPECT_EQ(rig.frame.ST_Current_Profile, "Work.vdp");
+    EXPECT_THAT(rig.names("C:\\App\\Profiles"), ElementsAre("Work.vdp"));
+    EXPECT_EQ(rig.list(), "[Recent Profile]\r\nWork.vdp\r\n");
+    EXPECT_THAT(rig.boxes(), IsEmpty());
+}
+
+TEST(MDIForm_Load, TellsTheLinesThatTheFinishedSaveCouldNotKeep)
+{
+    StartUpRig rig;
+    rig.installed();
+    // A line of 169 bytes is shifted by 9: its byte 0xF8 would come to 257.
+    rig.putProfile("Work.vdp", "D:\\" + std::string(164, 'x') + "~\\\r\n");
+    std::string plain = rig.saved("Work.vdp");
+    plain[plain.find('~')] = '\xF8';
+    rig.putFile(rig.pathOf("Work.vdp"), plain);
+    rig.recent("Work.vdp");
+    rig.start();
+    EXPECT_THAT(rig.messages(), ElementsAre("The saving of Work.vdp was cut off and is finished "
+                                            "now, but line 3 of it cannot be kept as it was."));
+}
+
 // ---- the splash
 
 TEST(Splash, FindsTheFirstStartByItsMarkOnce)
