@@ -51,6 +51,49 @@ void gate(FrameContext& context, bool active)
     context.main.maximizeBox = active;
 }
 
+// Whatever ends a run, the frame can be used again behind it and its form is gone.
+class FrameOfRun {
+public:
+    FrameOfRun(FrameContext& context, runs::BackupContext& backup)
+        : m_context(context), m_backup(backup)
+    {
+    }
+    FrameOfRun(const FrameOfRun&) = delete;
+    FrameOfRun& operator=(const FrameOfRun&) = delete;
+    ~FrameOfRun()
+    {
+        gate(m_context, true);
+        runs::unloadCancelForm(m_backup);
+    }
+
+private:
+    FrameContext& m_context;
+    runs::BackupContext& m_backup;
+};
+
+// The engine of a run, with the events that it holds on to: neither outlives the command.
+class EngineOfRun {
+public:
+    explicit EngineOfRun(runs::BackupContext& backup) : m_backup(backup), m_events(backup) {}
+    EngineOfRun(const EngineOfRun&) = delete;
+    EngineOfRun& operator=(const EngineOfRun&) = delete;
+    ~EngineOfRun() { release(); }
+
+    void make() { m_backup.backup.objBackUp = m_backup.make(m_events); }
+    void release() { m_backup.backup.objBackUp.reset(); }
+
+private:
+    runs::BackupContext& m_backup;
+    runs::BackupEvents m_events;
+};
+
+void reportRun(FrameContext& context, const PendingError& failure)
+{
+    constexpr std::string_view kName = "mnuRun_Click";
+    trace::errorTail(context.profiles.trace, {kName, kName, kModule, trace::customMessage(kName)},
+                     failure);
+}
+
 void tellOutcome(FrameContext& context, runs::BackupContext& backup)
 {
     runs::BackupEngine& engine = *backup.backup.objBackUp;
@@ -74,22 +117,19 @@ void runEngine(FrameContext& context, runs::BackupContext& backup, const SavedPr
 {
     PendingError failure;
     failure.attempt([&] {
+        const FrameOfRun reopened(context, backup);
         runs::loadCancelForm(backup);
         context.profiles.frame.panel1.text = texts::kGoingOn;
         gate(context, false);
         bool success = false;
         backup.backup.objBackUp->EngineBackup(profile.folder, profile.name, success);
     });
-    gate(context, true);
-    runs::unloadCancelForm(backup);
     if (!failure) {
         tellOutcome(context, backup);
         return;
     }
     context.profiles.frame.panel1.text.clear();
-    trace::errorTail(
-        context.profiles.trace,
-        {"mnuRun_Click", "mnuRun_Click", kModule, trace::customMessage("mnuRun_Click")}, failure);
+    reportRun(context, failure);
 }
 
 // Whether the save that was due went through.
@@ -163,23 +203,20 @@ void mnuBackup_Click(FrameContext& context, runs::BackupContext& backup)
         trace::RunTrace& log = context.profiles.trace.trace;
         log.WriteRunTrace("mnuBackup_Click", "Start", true);
         PendingError failure;
-        runs::BackupEvents events(backup);
+        EngineOfRun engine(backup);
         failure.attempt([&] {
-            backup.backup.objBackUp = backup.make(events);
+            engine.make();
             if (saved(context))
                 backUp(context, backup);
         });
-        backup.backup.objBackUp.reset();
+        reportRun(context, failure);
+        engine.release();
         context.main.hourglass = false;
         if (!context.profiles.frame.BL_Save_Blocked)
             context.form.window.SSTab1 = kFirstTab;
         else
             showRefusedTab(context);
         context.profiles.frame.BL_Save_Blocked = false;
-        trace::errorTail(
-            context.profiles.trace,
-            {"mnuRun_Click", "mnuRun_Click", kModule, trace::customMessage("mnuRun_Click")},
-            failure);
         log.WriteRunTrace("mnurun_Click", "End", true);
     });
 }

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -130,6 +131,51 @@ TEST_F(ArchiveCommands, ABackupRunsTheSavedProfile)
     EXPECT_EQ(run.objBackUp, nullptr) << "an engine lives as long as its run";
 }
 
+// What a person could reach of the frame: the toolbar, the five menus, the maximize box.
+std::string open(const state::MainFrameForm& form)
+{
+    std::string text;
+    for (const bool each :
+         {form.Toolbar1Enabled, form.mnuFile.enabled, form.mnuActions.enabled,
+          form.mnuTools.enabled, form.mnuWindow.enabled, form.mnuHelp.enabled, form.maximizeBox})
+        text += each ? '1' : '0';
+    return text;
+}
+
+// The warning comes before the run's form; the outcome when the frame is open again and the form
+// gone; the first tab when all is told.
+TEST_F(ArchiveCommands, TheStepsOfABackupComeInTheirOrder)
+{
+    std::vector<std::string> steps;
+    const auto note = [&](const std::string& what) {
+        steps.push_back(what + " frame " + open(mainForm) + (cancel.loaded ? " form " : " ") +
+                        (run.objBackUp ? "engine " : "") + std::to_string(formWindow.SSTab1));
+    };
+    messageBoxes.script().onCallsNamed(
+        "boxes.show", [&](const platform::CallScript::Call& call) { note(call.subject); });
+    engine.during = [&](engine::EngineEvents&) { note("run"); };
+    formWindow.SSTab1 = 2;
+    mainForm.hourglass = true;
+    record.chkWarn.value = 1;
+    record.txtWarn.text = "100%";
+    record.CmbDestDrives.text = "Local Drives[E:]";
+    disk.setCapacity('E', 1'000'000);
+    putFile("E:\\used", "not wholly free");
+    backUp();
+    note("end");
+    EXPECT_THAT(steps,
+                ElementsAre("Free space available in Backup media is less than 100   percentage "
+                            "frame 1111111 engine 2",
+                            "run frame 0000000 form engine 2",
+                            "Backup is completed successfully frame 1111111 engine 2",
+                            "end frame 1111111 0"));
+    EXPECT_FALSE(mainForm.hourglass);
+    for (const test::ShownBox& box : boxes()) {
+        EXPECT_EQ(box.title, "Vardelin");
+        EXPECT_EQ(box.buttons, platform::Buttons::Ok);
+    }
+}
+
 // Its beginning and its end stand under two names in the trace.
 TEST_F(ArchiveCommands, ABackupIsTracedUnderTwoNames)
 {
@@ -143,9 +189,44 @@ TEST_F(ArchiveCommands, AProfileThatWasNeverSavedRunsNothing)
     newProfile();
     answer({Answer::No});
     backUp();
-    EXPECT_THAT(texts(), Contains("New Profile (or) Edit Profile hasn't been saved to run Backup"));
+    EXPECT_THAT(texts(),
+                ElementsAre("New Profile (or) Edit Profile hasn't been saved to run Backup"))
+        << "changes of a new profile are not asked about";
+    EXPECT_EQ(boxes()[0].title, "Vardelin");
+    EXPECT_EQ(boxes()[0].buttons, platform::Buttons::Ok);
     EXPECT_THAT(engine.runs, IsEmpty());
     EXPECT_FALSE(cancel.loaded);
+    EXPECT_EQ(run.objBackUp, nullptr);
+    EXPECT_EQ(formWindow.SSTab1, 0);
+}
+
+TEST_F(ArchiveCommands, ThePathIsSplitAtItsLastBackslash)
+{
+    struct Row {
+        std::string_view path;
+        bool remote;
+        std::string_view run; // empty: refused
+    };
+    const Row rows[] = {
+        {"C:\\App\\Profiles\\Work.vdp", false, "C:\\App\\Profiles\\|Work.vdp"},
+        {"D:\\my profiles\\a.b\\Work.now.vdp", false, "D:\\my profiles\\a.b\\|Work.now.vdp"},
+        {"D:\\Work.vdp", false, "D:\\|Work.vdp"},
+        {"F:\\media\\Far.vdp", true, "C:\\App\\Profiles\\|Far.vdp"},
+        {"", false, ""},
+        {"", true, ""},
+        {"C:\\App\\Profiles\\", false, ""},
+        {"C:\\App\\Profiles\\", true, ""},
+    };
+    for (const Row& row : rows) {
+        engine.runs.clear();
+        frame.ST_Current_Profile_Path = row.path;
+        frame.BL_Remote_Profile = row.remote;
+        backUp();
+        if (row.run.empty())
+            EXPECT_THAT(engine.runs, IsEmpty()) << row.path;
+        else
+            EXPECT_THAT(engine.runs, ElementsAre(row.run)) << row.path;
+    }
 }
 
 TEST_F(ArchiveCommands, AChangeIsSavedFirstOrNot)
@@ -171,6 +252,7 @@ TEST_F(ArchiveCommands, ARefusedSaveStopsTheBackup)
     EXPECT_THAT(engine.runs, IsEmpty());
     EXPECT_FALSE(frame.BL_Save_Blocked);
     EXPECT_EQ(formWindow.SSTab1, 1) << "the tab that shows what is missing";
+    EXPECT_NE(mainForm.Toolbar1(8).toolTip, "BackupNow");
 }
 
 TEST_F(ArchiveCommands, AProfileFromMediaRunsFromItsWorkingCopy)
@@ -181,35 +263,55 @@ TEST_F(ArchiveCommands, AProfileFromMediaRunsFromItsWorkingCopy)
     EXPECT_THAT(engine.runs, ElementsAre("C:\\App\\Profiles\\|Far.vdp"));
 }
 
+// Every combination of what can be known behind a run.
 TEST_F(ArchiveCommands, EachOutcomeHasItsMessages)
 {
+    constexpr std::string_view kDone = "Backup is completed successfully";
     constexpr std::string_view kGaps =
         "Backup is completed successfully, But some files are missed during Backup\r\nThis may "
         "because of deleting some files\r\nCheck the Backup log to get the missed file names";
-    engine.missed = true;
-    backUp();
-    EXPECT_THAT(texts(), ElementsAre(kGaps));
+    constexpr std::string_view kNothing = "No files identified to Backup";
+    std::vector<std::string> panels; // while a box is shown
+    messageBoxes.script().onCallsNamed("boxes.show", [&](const platform::CallScript::Call&) {
+        panels.push_back(frame.panel1.text);
+    });
+    for (unsigned bits = 0; bits < 16; ++bits) {
+        const bool pressed = (bits & 1U) != 0;
+        const bool requested = (bits & 2U) != 0;
+        const bool missed = (bits & 4U) != 0;
+        const bool nothing = (bits & 8U) != 0;
+        clearBoxes();
+        panels.clear();
+        engine.during = [&](engine::EngineEvents&) {
+            run.BL_Cancel_Pressed = pressed; // behind the last file
+            engine.cancelRequested = requested;
+            engine.missed = missed;
+            engine.noFiles = nothing;
+            cancel.pbBkp.value = 3;
+        };
+        backUp();
 
-    // An idle run shows three texts in turn: the panel, and two boxes.
-    clearBoxes();
-    engine.missed = false;
-    engine.noFiles = true;
-    backUp();
-    EXPECT_THAT(texts(),
-                ElementsAre("Backup is completed successfully", "No files identified to Backup"));
-    EXPECT_FALSE(engine.noFiles);
-    EXPECT_EQ(frame.panel1.text, "");
-
-    clearBoxes();
-    engine.cancelRequested = true;
-    engine.missed = true;
-    backUp();
-    EXPECT_THAT(texts(), IsEmpty()) << "a cancelled run shows no outcome";
-    EXPECT_EQ(frame.panel1.text, "");
-
-    engine.noFiles = true;
-    backUp();
-    EXPECT_THAT(texts(), ElementsAre("No files identified to Backup"));
+        std::vector<std::string> expected;
+        std::vector<std::string> expectedPanels;
+        if (!pressed && !requested) {
+            expected.emplace_back(missed ? kGaps : kDone);
+            expectedPanels.emplace_back("Backup is completed");
+        }
+        if (nothing) {
+            expected.emplace_back(kNothing);
+            expectedPanels.emplace_back(kNothing);
+        }
+        EXPECT_EQ(texts(), expected) << "a cancelled run shows no outcome; case " << bits;
+        EXPECT_EQ(panels, expectedPanels) << bits;
+        EXPECT_FALSE(engine.noFiles) << bits;
+        const bool completed = !pressed && !requested;
+        EXPECT_EQ(frame.panel1.text, completed && !nothing ? "Backup is completed" : "") << bits;
+        EXPECT_EQ(cancel.pbBkp.value, completed ? cancel.pbBkp.maximum : 3) << bits;
+        for (const test::ShownBox& box : boxes()) {
+            EXPECT_EQ(box.title, "Vardelin");
+            EXPECT_EQ(box.buttons, platform::Buttons::Ok);
+        }
+    }
 }
 
 TEST_F(ArchiveCommands, AnErrorOfTheEngineOpensTheFrameAgain)
@@ -220,11 +322,128 @@ TEST_F(ArchiveCommands, AnErrorOfTheEngineOpensTheFrameAgain)
     backUp();
     ASSERT_EQ(dialog.shown.size(), 1U);
     EXPECT_EQ(dialog.shown[0].txtSysErrNo.text, "61");
+    EXPECT_EQ(dialog.shown[0].txtModName.text, "MDIForm");
+    EXPECT_EQ(dialog.shown[0].txtProcName.text, "mnuRun_Click");
+    EXPECT_EQ(dialog.shown[0].txtInf.text, "mnuRun_Click");
     EXPECT_THAT(entries(), Contains(StartsWith("mnuRun_Click Error")));
+    EXPECT_THAT(entries(), Contains(StartsWith("mnurun_Click End"))) << "goes on to the end";
     EXPECT_THAT(texts(), IsEmpty());
-    EXPECT_TRUE(mainForm.Toolbar1Enabled);
+    EXPECT_EQ(open(mainForm), "1111111");
     EXPECT_FALSE(cancel.loaded);
     EXPECT_EQ(run.objBackUp, nullptr);
+}
+
+// Not only an error of the file system: nothing may leave a frame behind that cannot be used, or an
+// engine whose events are gone.
+TEST_F(ArchiveCommands, WhateverEndsARunTheFrameCanBeUsedAgain)
+{
+    const std::function<void()> ends[] = {
+        [] { throw std::bad_alloc(); },
+        [] { throw trace::ExitRequested{}; },
+        [] { throw base::RuntimeError(base::error_number::kDeviceIo); },
+    };
+    for (const std::function<void()>& end : ends) {
+        engine.during = [&](engine::EngineEvents&) { end(); };
+        formWindow.SSTab1 = 2;
+        try {
+            backUp();
+        } catch (const std::bad_alloc&) {
+            EXPECT_THAT(dialog.shown, IsEmpty()) << "its caller tells of it";
+        } catch (const trace::ExitRequested&) {
+            EXPECT_THAT(dialog.shown, IsEmpty());
+        }
+        EXPECT_EQ(open(mainForm), "1111111");
+        EXPECT_FALSE(mainForm.commandRunning);
+        EXPECT_FALSE(cancel.loaded || cancel.visible || run.BL_Run_Closing);
+        EXPECT_EQ(run.objBackUp, nullptr);
+    }
+}
+
+// "&Exit" in the dialog of a failed run.
+TEST_F(ArchiveCommands, APersonWhoEndsTheProgramLeavesNoEngine)
+{
+    engine.during = [](engine::EngineEvents&) { throw base::RuntimeError(57); };
+    dialog.answers = {trace::ErrorAnswer::Exit};
+    EXPECT_THROW(backUp(), trace::ExitRequested);
+    EXPECT_EQ(run.objBackUp, nullptr);
+    EXPECT_EQ(open(mainForm), "1111111");
+}
+
+TEST_F(ArchiveCommands, AnEngineThatCannotBeMadeIsReported)
+{
+    backup.make = [](engine::EngineEvents&) -> std::unique_ptr<runs::BackupEngine> {
+        throw base::RuntimeError(base::error_number::kFileNotFound, "VDBackUp");
+    };
+    formWindow.SSTab1 = 2;
+    backUp();
+    ASSERT_EQ(dialog.shown.size(), 1U);
+    EXPECT_EQ(dialog.shown[0].txtProcName.text, "mnuRun_Click");
+    EXPECT_EQ(formWindow.SSTab1, 0);
+    EXPECT_FALSE(cancel.loaded);
+    EXPECT_THAT(entries(), Contains(StartsWith("mnurun_Click End")));
+}
+
+// One step of the bar: what it was, the engine's total, the increment, what it is.
+TEST_F(ArchiveCommands, TheBarFollowsTheTotalThatTheEngineTells)
+{
+    struct Row {
+        state::ProgressBar before;
+        int total;
+        double increment;
+        state::ProgressBar after;
+    };
+    const Row rows[] = {
+        {{0, 100}, 0, 5, {5, 100}},    {{7, 100}, 100, 5, {12, 100}},
+        {{7, 100}, 40, 5, {5, 40}},    {{7, 0}, 40, 5, {12, 40}},
+        {{7, 0}, 0, 5, {0, 0}},        {{39, 40}, 40, 1, {40, 40}},
+        {{39, 40}, 40, 1.5, {40, 40}}, {{40, 40}, 40, 3, {40, 40}},
+        {{7, 100}, -1, 5, {5, 100}},   {{7, 40}, 32767, 0.25, {0.25, 32767}},
+    };
+    engine.during = [&](engine::EngineEvents& events) {
+        for (const Row& row : rows) {
+            cancel.pbBkp = row.before;
+            engine.totalUnits = row.total;
+            events.ProStatus(row.increment);
+            EXPECT_EQ(cancel.pbBkp.value, row.after.value) << row.total;
+            EXPECT_EQ(cancel.pbBkp.maximum, row.after.maximum) << row.total;
+        }
+    };
+    backUp();
+}
+
+TEST_F(ArchiveCommands, WaitingEventsRunBeforeAndBehindEachName)
+{
+    std::vector<std::string> seen;
+    engine.during = [&](engine::EngineEvents& events) {
+        messageLoop.onYield = [&] { seen.push_back(cancel.lblBkpFileNames.caption); };
+        events.FileProStatus("D:\\a");
+        events.FileProStatus("D:\\b");
+        messageLoop.onYield = {};
+    };
+    backUp();
+    EXPECT_THAT(seen, ElementsAre("", "D:\\a", "D:\\a", "D:\\b"));
+}
+
+// A click that comes while the name is shown is heard at once.
+TEST_F(ArchiveCommands, ACancelBehindANameReachesTheEngineWithThatName)
+{
+    engine.during = [&](engine::EngineEvents& events) {
+        for (const int before : {1, 2}) {
+            engine.cancelRequested = false;
+            int yields = 0;
+            messageLoop.onYield = [&] {
+                if (++yields == before) {
+                    answer({Answer::Yes});
+                    runs::cmdCancel_Click(backup);
+                }
+            };
+            events.FileProStatus("D:\\a");
+            EXPECT_TRUE(engine.cancelRequested) << before;
+            EXPECT_FALSE(run.BL_Cancel_Pressed);
+            messageLoop.onYield = {};
+        }
+    };
+    backUp();
 }
 
 TEST_F(ArchiveCommands, TheBarTakesIncrementsAndNeverOverflows)
@@ -279,11 +498,43 @@ TEST_F(ArchiveCommands, CancelReachesTheEngineAtTheNextFileAndAsksOnce)
         events.FileProStatus("D:\\b");
         EXPECT_TRUE(engine.cancelRequested);
         EXPECT_FALSE(run.BL_Cancel_Pressed);
+        engine.cancelRequested = false; // consumed: the next file asks nobody and tells nothing
         events.FileProStatus("D:\\c");
+        EXPECT_FALSE(engine.cancelRequested);
+        engine.cancelRequested = true;
     };
     backUp();
     EXPECT_THAT(texts(), ElementsAre("Do you want to cancel the Backup process?",
                                      "Do you want to cancel the Backup process?"));
+    EXPECT_EQ(boxes()[0].title, "Vardelin");
+    EXPECT_EQ(boxes()[0].buttons, platform::Buttons::YesNo);
+}
+
+// The last answer counts, by the button and by the close box.
+TEST_F(ArchiveCommands, ALaterNoTakesAnEarlierYesBack)
+{
+    engine.during = [&](engine::EngineEvents& events) {
+        answer({Answer::Yes, Answer::No, Answer::Yes, Answer::No});
+        runs::cmdCancel_Click(backup);
+        EXPECT_TRUE(run.BL_Cancel_Pressed);
+        runs::cmdCancel_Click(backup);
+        EXPECT_FALSE(run.BL_Cancel_Pressed);
+        runs::cmdCancel_Click(backup);
+        EXPECT_FALSE(runs::Form_QueryUnload(backup));
+        EXPECT_FALSE(run.BL_Cancel_Pressed);
+        events.FileProStatus("D:\\a");
+        EXPECT_FALSE(engine.cancelRequested);
+        EXPECT_TRUE(cancel.loaded);
+    };
+    backUp();
+}
+
+TEST_F(ArchiveCommands, TheProgramItselfClosesTheFormUnasked)
+{
+    run.BL_Run_Closing = true;
+    EXPECT_TRUE(runs::Form_QueryUnload(backup));
+    EXPECT_THAT(texts(), IsEmpty());
+    EXPECT_FALSE(run.BL_Cancel_Pressed);
 }
 
 TEST_F(ArchiveCommands, TheCloseBoxAsksAndTheFormMayGoBeforeTheRun)
