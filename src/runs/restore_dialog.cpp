@@ -1,5 +1,6 @@
 #include "runs/restore_dialog.h"
 
+#include "archive/paced_loop.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "profile/file_details.h"
@@ -63,15 +64,59 @@ void showAnew(RestoreContext& context)
     context.window.showRestLocation(context.form);
 }
 
+// On the dialog, and on the review where that is not shown.
+void showHourglass(RestoreContext& context, bool shows)
+{
+    context.form.hourglass = shows;
+    context.storage.hourglass = shows;
+}
+
+class ClosedFrame {
+public:
+    explicit ClosedFrame(RestoreWindow& window) : m_window(window)
+    {
+        m_window.setFrameActive(false);
+    }
+    ClosedFrame(const ClosedFrame&) = delete;
+    ClosedFrame& operator=(const ClosedFrame&) = delete;
+    ~ClosedFrame() { m_window.setFrameActive(true); }
+
+private:
+    RestoreWindow& m_window;
+};
+
+// What stands while a restore goes on, and falls whatever ends it. The review keeps its rows
+// meanwhile: those that are selected are what is restored.
+class RestoreUnderWay {
+public:
+    explicit RestoreUnderWay(RestoreContext& context) : m_context(context) { set(true); }
+    RestoreUnderWay(const RestoreUnderWay&) = delete;
+    RestoreUnderWay& operator=(const RestoreUnderWay&) = delete;
+    ~RestoreUnderWay()
+    {
+        set(false);
+        m_context.profiles.frame.pb.value = 0;
+    }
+
+private:
+    void set(bool underWay)
+    {
+        m_context.restore.running = underWay;
+        m_context.storage.busy = underWay;
+        showHourglass(m_context, underWay);
+    }
+
+    RestoreContext& m_context;
+};
+
 // Settings go back to their places, without a dialog; the frame is closed meanwhile.
 void runUnseen(RestoreContext& context)
 {
     loadAnew(context);
     context.form.cmbRestLoc.text = texts::kOriginal;
     context.form.txtRestLoc.text = texts::kOriginal;
-    context.window.setFrameActive(false);
+    const ClosedFrame closed(context.window);
     restoreOk_Click(context);
-    context.window.setFrameActive(true);
     context.form.loaded = false;
 }
 
@@ -107,8 +152,10 @@ void callForSelection(RestoreContext& context)
     if (!review.bOtherDataExists)
         return;
     const SelectedRows selected = countSelected(context);
-    if (selected.refused)
+    if (selected.refused) {
+        context.form.loaded = false;
         return;
+    }
     if (review.bFilesExist && selected.others > 0)
         showAnew(context);
     else if (!review.bFilesExist || selected.settings > 0)
@@ -244,11 +291,14 @@ std::string_view closingMessage(const SelectedEntries& entries, const RestoreFla
     return flags.backupFilesLost ? outcomes.loss : outcomes.restored;
 }
 
-void restoreTo(RestoreContext& context, const std::string& location)
+// `gathering` stands while the rows are looked up in model.txt: an error then is that file's.
+void restoreTo(RestoreContext& context, const std::string& location, bool& gathering)
 {
     profile::ProfileContext& profiles = context.profiles;
     RestoreState& restore = context.restore;
+    gathering = true;
     const SelectedEntries entries = selectedEntries(context);
+    gathering = false;
     if (isOriginal(context.form))
         context.form.txtRestLoc.text.clear();
     const std::string& path = profiles.frame.ST_Current_Profile_Path;
@@ -261,7 +311,7 @@ void restoreTo(RestoreContext& context, const std::string& location)
         context.run({path.substr(0, slash + 1), path.substr(slash + 1), entries.clxnRestore,
                      location, restore.sRestoreDate},
                     [&](double increment) { objRestore_ProStatus(context, increment); });
-    context.form.hourglass = false;
+    showHourglass(context, false);
     if (const std::string_view message = closingMessage(entries, flags); !message.empty())
         tell(context, message);
 }
@@ -270,12 +320,16 @@ void restoreTo(RestoreContext& context, const std::string& location)
 
 void mnuAsOf_Click(RestoreContext& context)
 {
+    if (context.restore.running)
+        return;
     context.restore.bRestoreByDate = false;
     CallingRestDlg(context);
 }
 
 void mnuByDate_Click(RestoreContext& context)
 {
+    if (context.restore.running)
+        return;
     context.byDate = {};
     context.byDate.mnvResDate = context.profiles.machine.clock.now().date;
     context.window.showByDate(context.byDate);
@@ -296,7 +350,9 @@ void byDateCancel_Click(RestoreContext& context)
 
 void CallingRestDlg(RestoreContext& context)
 {
-    trace::runTraced(context.profiles.trace, "CallingRestDlg", "MDIForm1", texts::kCallFailed,
+    if (context.restore.running)
+        return;
+    trace::runTraced(context.profiles.trace, "CallingRestDlg", "MDIForm", texts::kCallFailed,
                      [&] { callForSelection(context); });
 }
 
@@ -357,14 +413,18 @@ void restoreCancel_Click(RestoreContext& context)
 
 SelectedEntries selectedEntries(RestoreContext& context)
 {
-    SelectedEntries entries;
+    const platform::Machine& machine = context.profiles.machine;
+    SelectedEntries entries{.clxnRestore = base::TextCollection(machine.fileSystem.isCaseSensitive()
+                                                                    ? base::KeyRule::Exact
+                                                                    : base::KeyRule::IgnoreCase)};
     Model model(context);
+    archive::PacedLoop loop(machine.messageLoop, machine.clock);
     const auto& rows = context.storage.lstRestore;
-    for (const state::ReviewRow& row : rows) {
-        if (!row.selected)
+    for (std::size_t i = 0; i < rows.size(); ++i) { // by number: the loop yields
+        if (!rows[i].selected)
             continue;
-        addRow(model, row, entries);
-        context.profiles.machine.messageLoop.yield();
+        addRow(model, rows[i], entries);
+        loop.step();
     }
     if (!context.review.bOtherDataExists)
         return entries;
@@ -386,33 +446,23 @@ void restoreOk_Click(RestoreContext& context)
 {
     if (context.restore.running)
         return;
+    constexpr std::string_view kName = "cmdOk_Click";
     PendingError failure;
-    bool done = false;
-    {
-        const trace::TraceScope scope(context.profiles.trace.trace, "cmdOk_Click");
-        failure.attempt([&] {
-            const auto location = checkedLocation(context);
-            if (!location)
-                return;
-            context.form.hourglass = true;
-            context.restore.running = true;
-            restoreTo(context, *location);
-            done = true;
-        });
-    }
-    const bool started = std::exchange(context.restore.running, false);
-    context.form.hourglass = false;
-    if (started)
-        context.profiles.frame.pb.value = 0;
-    if (done)
+    bool gathering = false;
+    failure.attempt([&] {
+        const trace::TraceScope scope(context.profiles.trace.trace, kName);
+        const auto location = checkedLocation(context);
+        if (!location)
+            return;
+        const RestoreUnderWay underWay(context);
+        restoreTo(context, *location, gathering);
         context.form.loaded = false;
-    std::string_view sentence = texts::kRestoreFailed;
-    if (failure.number == error_number::kPastEnd)
-        sentence = texts::kModelPastEnd;
-    else if (failure && base::endsWithIgnoringCase(failure.subject, "model.txt"))
-        sentence = texts::kModelNotOpened;
-    trace::errorTail(context.profiles.trace, {"cmdOk_Click", "cmdOk_Click", kModule, sentence},
-                     failure);
+    });
+    const std::string_view sentence = !gathering ? texts::kRestoreFailed
+                                      : failure.number == error_number::kPastEnd
+                                          ? texts::kModelPastEnd
+                                          : texts::kModelNotOpened;
+    trace::errorTail(context.profiles.trace, {kName, kName, kModule, sentence}, failure);
 }
 
 void objRestore_ProStatus(RestoreContext& context, double increment)

@@ -81,6 +81,7 @@ void mnuByDate_Click(RestoreContext& context);
 
 // Looks at the selected rows, asks before the registry is overwritten, and either shows the dialog
 // or, where only settings are selected, runs it unseen: settings always go back to their place.
+// While a restore runs, this and the two commands above come back at once.
 void CallingRestDlg(RestoreContext& context);
 
 // Handlers of frmByDate.
@@ -88,7 +89,8 @@ void byDateOk_Click(RestoreContext& context);
 void byDateCancel_Click(RestoreContext& context);
 
 // Handlers of frmRestDialog. OK checks the location, makes its folder where the person wants it,
-// and restores. A failure is reported and ends the run without a closing message.
+// and restores; the review is busy meanwhile. A failure is reported and ends the run without a
+// closing message.
 void cmbRestLoc_Click(RestoreContext& context);
 int cmbRestLoc_KeyPress(int key);
 int cmbRestLoc_KeyDown(int keyCode);
@@ -112,7 +114,8 @@ struct SelectedEntries {
 // A row without a dot in its text is a folder: it stands for the first block of adjacent lines of
 // model.txt that hold a backslash and its text, wherever they lie, and for its key where there is
 // none. A folder with a dot in its name stands only for lines at the very top. Any other row is a
-// file's version and stands for its key. Yields between rows.
+// file's version and stands for its key. Entries that differ by case are two where the file system
+// tells them apart. Yields between rows, now and then.
 SelectedEntries selectedEntries(RestoreContext& context);
 
 } // namespace vardelin::runs
