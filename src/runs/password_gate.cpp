@@ -126,6 +126,32 @@ Gate readGate(PasswordGateContext& context, LineInput& lines, std::string_view s
     return gate;
 }
 
+// The gate of the profile in its plain copy. `step` is what an error is to be told as.
+Gate readProfile(PasswordGateContext& context, std::string_view& step, bool& found)
+{
+    step = gate_texts::kSplitFailed;
+    const ProfilePlace place(context.profilePath);
+    const bool isPlain = profile::PrFileDecrypt(context.profiles, place.folder, place.name);
+    // Told by the gate that stays shut; a later opening must not take it for its own.
+    context.profiles.frame.bDecryptFileMissing = false;
+    step = gate_texts::kNameFailed;
+    const std::string plainCopy = place.plainCopy();
+    // That was reported. A copy that lies there is of an earlier look and says what was then.
+    if (!isPlain)
+        return {};
+    step = gate_texts::kPlainCopyMissing;
+    LineInput lines(context.profiles.machine.fileSystem.readAll(plainCopy));
+    step = trace::customMessage("PwdCheck");
+    return readGate(context, lines, place.stem(), found);
+}
+
+void forgetSection(state::FrameState& frame)
+{
+    frame.sGatePassword.clear();
+    frame.sHintQuestion.clear();
+    frame.sHintAnswer.clear();
+}
+
 state::frmResPwd reviewForm()
 {
     state::frmResPwd form;
@@ -229,6 +255,17 @@ void replaceArchiveCopy(PasswordGateContext& context, const ProfilePlace& place,
                                fileSystem.readAll(place.folder + place.name));
 }
 
+// The editor shows the same profile: its next save must not bring the former password back.
+void renewInEditor(profile::ProfileContext& profiles, std::string_view newPassword)
+{
+    for (std::string* const held :
+         {&profiles.store.scalars.sProfilePassword, &profiles.editor.txtPassWord.text}) {
+        if (!held->empty() && *held == profiles.frame.sGatePassword)
+            *held = newPassword;
+    }
+    ++profiles.editor.revision;
+}
+
 struct NewText {
     std::string text;
     std::string destination;
@@ -253,41 +290,34 @@ NewText withPassword(std::string plain, std::string_view oldPassword, std::strin
 
 void PwdCheck(PasswordGateContext& context, bool& found)
 {
+    constexpr std::string_view kName = "PwdCheck";
     state::FrameState& frame = context.profiles.frame;
-    std::string_view step;
-    Gate gate;
+    std::string_view step = trace::customMessage(kName);
     found = false;
     frame.bPwdReviewMode = false;
     frame.bPwdPassed = false;
+    forgetSection(frame); // another profile's must not open this one
     PendingError failure;
-    {
-        const trace::TraceScope scope(context.profiles.trace.trace, "PwdCheck");
-        failure.attempt([&] {
-            step = gate_texts::kSplitFailed;
-            const ProfilePlace place(context.profilePath);
-            profile::PrFileDecrypt(context.profiles, place.folder, place.name);
-            // Told by the gate that stays shut; a later opening must not take it for its own.
-            frame.bDecryptFileMissing = false;
-            step = gate_texts::kNameFailed;
-            const std::string plainCopy = place.plainCopy();
-            step = gate_texts::kPlainCopyMissing;
-            LineInput lines(context.profiles.machine.fileSystem.readAll(plainCopy));
-            step = trace::customMessage("PwdCheck");
-            gate = readGate(context, lines, place.stem(), found);
-        });
+    failure.attempt([&] {
+        const trace::TraceScope scope(context.profiles.trace.trace, kName);
+        const Gate gate = readProfile(context, step, found);
         frame.pb.value = 0;
-        if (gate.archiveIsMissing) {
+        if (gate.archiveIsMissing)
             tell(context, gate_texts::kNoBackup);
-            frame.bPwdPassed = false;
-        }
-        if (!failure && found && gate.passwordIsSet != format::kFalse)
+        if (found && gate.passwordIsSet != format::kFalse)
             ask(context);
         else
             deletePlainCopy(context); // no dialog will
-    }
-    if (failure)
-        frame.bPwdPassed = false;
-    trace::errorTail(context.profiles.trace, {"PwdCheck", "PwdCheck", kModule, step}, failure);
+    });
+    // The editor's own use of the form must not look like this one.
+    frame.bPwdReviewMode = false;
+    forgetSection(frame);
+    if (!failure)
+        return;
+    frame.pb.value = 0;
+    frame.bPwdPassed = false;
+    deletePlainCopy(context);
+    trace::errorTail(context.profiles.trace, {kName, kName, kModule, step}, failure);
 }
 
 void lblForgotPwd_Click(PasswordGateContext& context, state::frmResPwd& form)
@@ -322,6 +352,7 @@ void WriteTxtForNewProf(PasswordGateContext& context, std::string_view sNewPass)
             // Scrambled at once and not in a second step: the profile is never
             // missing, and never plain.
             fileSystem.replaceFile(place.folder + place.name, profile::scrambleText(text));
+            renewInEditor(profiles, sNewPass);
             replaceArchiveCopy(context, place, destination);
         });
     deletePlainCopy(context);

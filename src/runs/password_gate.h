@@ -39,7 +39,8 @@ struct PasswordGateContext {
 
 // Sets bPwdPassed where the archive may be reviewed: its profile has no password, or the person
 // gave it. `found` tells that the archive exists; without one, or with an empty one, a message
-// says so. What cannot be read is reported and keeps the gate shut.
+// says so. What cannot be read is reported and keeps the gate shut. What the password section holds
+// is forgotten again at the end.
 void PwdCheck(PasswordGateContext& context, bool& found);
 
 // Handlers of frmResPwd before a review.
@@ -48,8 +49,9 @@ void cmdOk_Click(PasswordGateContext& context, state::frmResPwd& form);
 
 // Puts a new password into the profile, out of its plain copy: every line that equals the former
 // password is replaced, whatever it is, a source's path included. Scrambles the profile, deletes
-// the plain copy, and replaces the archive's copy of the profile. A failure is reported; the
-// profile on the disk is the old one or the new one.
+// the plain copy, and replaces the archive's copy of the profile; an editor that holds the former
+// password gets the new one. A failure is reported; the profile on the disk is the old one or the
+// new one.
 void WriteTxtForNewProf(PasswordGateContext& context, std::string_view sNewPass);
 
 } // namespace vardelin::runs
