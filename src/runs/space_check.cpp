@@ -29,7 +29,7 @@ using platform::Folder;
 using platform::OpenMode;
 
 constexpr std::string_view kTitle = "Vardelin";
-constexpr std::string_view kModule = "MDIForm1";
+constexpr std::string_view kModule = "MDIForm";
 constexpr std::string_view kNotEnoughSpace = "There is no enough space to copy the backup files";
 constexpr double kKilobyte = 1024;
 constexpr std::uint64_t kSliceBytes = std::uint64_t{8} * 1024 * 1024;

@@ -124,6 +124,43 @@ TEST_F(SpaceCheck, WarnsBelowTheThresholdAndNotAtIt)
     EXPECT_THAT(messageBoxes.texts(),
                 ElementsAre("Free space available in Backup media is less than 11   percentage"));
     EXPECT_EQ(boxes()[0].title, "Vardelin");
+    EXPECT_EQ(boxes()[0].buttons, platform::Buttons::Ok);
+}
+
+TEST_F(SpaceCheck, TheValueOfTheBoxIsItsNumber)
+{
+    room(100 * kMegabyte, 5 * kMegabyte);
+    editor.CmbDestDrives.text = "D:";
+    struct Row {
+        std::string_view box;
+        std::string_view value; // empty: no warning
+    };
+    const Row rows[] = {{"10%", "10"}, {" 10 %", "10"}, {"10", "10"}, {"05%", ""},
+                        {"06%", "6"},  {"", ""},        {"%", ""},    {"99%", "99"}};
+    for (const Row& row : rows) {
+        clearBoxes();
+        warnAt(row.box);
+        Checkspace(check);
+        if (row.value.empty())
+            EXPECT_THAT(messageBoxes.texts(), IsEmpty()) << row.box;
+        else
+            EXPECT_THAT(messageBoxes.texts(),
+                        ElementsAre("Free space available in Backup media is less than " +
+                                    std::string(row.value) + "   percentage"));
+    }
+}
+
+// A drive of the destination that is not there, or an entry without one, warns of nothing.
+TEST_F(SpaceCheck, AnUnknownDriveGivesNoWarning)
+{
+    room(100 * kMegabyte, 0);
+    for (const std::string_view entry : {"", "\\\\server\\share", "Q:", "Local Drives[Q:]"}) {
+        editor.CmbDestDrives.text = entry;
+        warnAt("100");
+        Checkspace(check);
+    }
+    EXPECT_THAT(messageBoxes.texts(), IsEmpty());
+    EXPECT_THAT(dialog.shown, IsEmpty());
 }
 
 TEST_F(SpaceCheck, WarnsOnFixedAndRemoteDrivesAlone)
@@ -188,6 +225,8 @@ TEST_F(SpaceCheck, AMissingArchiveIsReported)
     CheckspaceFornew(check, "Other", "C:\\Old", "D:\\New");
     ASSERT_EQ(dialog.shown.size(), 1U);
     EXPECT_EQ(dialog.shown[0].txtSysErrNo.text, "76");
+    EXPECT_EQ(dialog.shown[0].txtModName.text, "MDIForm");
+    EXPECT_EQ(dialog.shown[0].txtProcName.text, "CheckspaceFornew");
     EXPECT_THAT(dialog.shown[0].txtInf.text, testing::HasSubstr("C:\\Old\\Other"));
     EXPECT_THAT(messageBoxes.texts(), IsEmpty());
 }
