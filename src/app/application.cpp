@@ -102,7 +102,8 @@ void Application::showFrame()
 // The window comes with its record and closes by itself when that is unloaded.
 void Application::showBackup()
 {
-    if (m_cancelView) {
+    // One that is hidden is of a former run and waits for its end.
+    if (m_cancelView && !m_cancelView->isHidden()) {
         m_cancelView->showRecord();
         return;
     }

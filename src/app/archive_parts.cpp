@@ -2,6 +2,7 @@
 
 #include "archive/deletion.h"
 #include "base/runtime_error.h"
+#include "frame/command.h"
 #include "frame/window_commands.h"
 #include "runs/engine/engine.h"
 #include "ui/log_view.h"
@@ -28,32 +29,45 @@ ArchiveParts::ArchiveParts(profile::ProfileContext& profiles, ui::MainWindow& wi
                                                                    profiles.store.scalars,
                                                                    storage,
                                                                    review},
-      m_restore{profiles, review, storage, restoreLocation, byDate, restore, m_windows, {}},
+      m_restore{profiles,
+                review,
+                storage,
+                restoreLocation,
+                byDate,
+                restore,
+                m_windows,
+                [&profiles](const runs::RestoreRequest& request, const auto& proStatus) {
+                    // The application folder is known by now.
+                    return runs::engineRestore(profiles.machine,
+                                               profiles.frame.ST_App_Path)(request, proStatus);
+                }},
       m_reviewCommand{m_windows, storage, [this] { loadReview(); }, reviewIsOpen},
       m_logs{profiles.machine, profiles.trace, profiles.frame, logForm}
 {
+    // As the commands of the main frame: none inside another one. Rows that a restore goes through,
+    // or that are being made, must not go away meanwhile, and a backup has the archive to itself.
     const auto handler = [this](const char* name, auto body) {
-        return [this, name, body] { m_runner.run(name, body); };
+        return [this, name, body] { runAlone(name, body); };
     };
     m_reviewView = new ui::ReviewView(
         storage, profiles.frame.pb,
         {.rowButtonClicked =
              [this](std::size_t row) {
-                 m_runner.run("lstRestore_MouseDown",
-                              [&] { archive::rowButtonClicked(m_review, row); });
+                 runAlone("lstRestore_MouseDown",
+                          [&] { archive::rowButtonClicked(m_review, row); });
              },
          .rowsRightClicked =
              [this] {
                  bool opens = false;
-                 m_runner.run("lstRestore_MouseDown",
-                              [&] { opens = archive::rowsRightClicked(m_review); });
+                 runAlone("lstRestore_MouseDown",
+                          [&] { opens = archive::rowsRightClicked(m_review); });
                  return opens;
              },
          .mnuByDate_Click =
              handler("mnuByDate_Click", [this] { runs::mnuByDate_Click(m_restore); }),
          .mnuAsOf_Click = handler("mnuAsOf_Click", [this] { runs::mnuAsOf_Click(m_restore); }),
          .mnuDel_Click = handler("mnuDel_Click", [this] { archive::mnuDel_Click(m_review); }),
-         .Form_Unload = handler("Form_Unload", [this] { closeReview(); })},
+         .Form_Unload = [this] { close(&ArchiveParts::closeReview); }},
         &profiles.machine.shell);
     m_logView =
         new ui::LogView(logForm, {.lstBackupLog_DblClick =
@@ -64,10 +78,28 @@ ArchiveParts::ArchiveParts(profile::ProfileContext& profiles, ui::MainWindow& wi
                                           });
                                           return text;
                                       },
-                                  .Form_Unload = handler("Form_Unload", [this] { closeLogs(); })});
+                                  .Form_Unload = [this] { close(&ArchiveParts::closeLogs); }});
     for (QWidget* const view :
          {static_cast<QWidget*>(m_reviewView), static_cast<QWidget*>(m_logView)})
         window.addForm(view);
+}
+
+template <typename Body>
+void ArchiveParts::runAlone(const char* name, Body&& body)
+{
+    if (m_frame->main.commandRunning)
+        return;
+    m_runner.run(name, [&] {
+        const frame::CommandRun run(m_frame->main);
+        body();
+    });
+}
+
+// Closing leads to a command of the main frame, and so is none itself.
+void ArchiveParts::close(void (ArchiveParts::*form)())
+{
+    if (!m_frame->main.commandRunning)
+        m_runner.run("Form_Unload", [this, form] { (this->*form)(); });
 }
 
 void ArchiveParts::attach(frame::FrameContext& frame, editor::PagesContext& pages)
@@ -78,7 +110,8 @@ void ArchiveParts::attach(frame::FrameContext& frame, editor::PagesContext& page
 
 void ArchiveParts::mnuBkpSto_Click()
 {
-    m_restore.run = runs::engineRestore(m_profiles.machine, m_profiles.frame.ST_App_Path);
+    if (m_frame->main.commandRunning)
+        return;
     frame::mnuBkpSto_Click(*m_frame, m_reviewCommand);
     if (storage.loaded && storage.visible)
         m_window.raiseForm(*m_reviewView);

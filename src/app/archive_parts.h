@@ -63,6 +63,10 @@ private:
     void closeReview();
     void closeLogs();
     void showEditor();
+    void close(void (ArchiveParts::*form)());
+    // A handler of the views, unless a command or another one runs.
+    template <typename Body>
+    void runAlone(const char* name, Body&& body);
     template <typename Command>
     void runLogs(Command command);
 

@@ -186,6 +186,83 @@ TEST_F(Archive, TheLogsTellOfTheRuns)
     EXPECT_TRUE(rig.find<QWidget>("frmProfile").isVisibleTo(&rig.program->window()));
 }
 
+// A backup has the archive to itself: of all windows, only its own can be used.
+TEST_F(Archive, TheReviewCannotBeUsedWhileABackupRuns)
+{
+    run("mnuBackup");
+    run("mnure");
+    const state::frmVDStorage& storage = rig.program->archive.storage;
+    auto& list = rig.find<QAbstractItemView>("lstRestore");
+    openDown(list, storage);
+    const std::size_t rows = storage.lstRestore.size();
+    ASSERT_GT(rows, 1U);
+    for (int i = 0; i < kFiles; ++i)
+        rig.folder.write("home/Documents/more" + std::to_string(i) + ".txt", "new");
+    rig.messageBoxes.shown.clear();
+    rig.messageBoxes.defaultAnswer = Answer::Yes;
+    int tried = 0;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (cancelForm() == nullptr || tried++ > 0)
+            return;
+        for (const char* command : {"mnuDel", "mnuAsOf", "mnuByDate"})
+            rig.find<QAction>(command).trigger();
+        list.setCurrentIndex(list.model()->index(0, 0));
+        QTest::keyClick(&list, Qt::Key_Left);
+        QTest::keyClick(&list, Qt::Key_Delete);
+        rig.find<QWidget>("frmVDStorage").close();
+        rig.program->window().close();
+    });
+    watch.start(0);
+    run("mnuBackup");
+    watch.stop();
+
+    EXPECT_GT(tried, 0);
+    EXPECT_EQ(rig.messageBoxes.texts(), std::vector<std::string>{kDone});
+    EXPECT_EQ(copies(), static_cast<std::size_t>(2 * kFiles));
+    EXPECT_TRUE(storage.loaded);
+    EXPECT_EQ(storage.lstRestore.size(), rows);
+    EXPECT_TRUE(rig.find<QWidget>("frmVDStorage").isVisibleTo(&rig.program->window()));
+}
+
+// The rows that are restored must not go away under the restore, nor the program.
+TEST_F(Archive, NothingClosesTheReviewWhileARestoreRuns)
+{
+    run("mnuBackup");
+    run("mnure");
+    const state::frmVDStorage& storage = rig.program->archive.storage;
+    rig.find<QAbstractItemView>("lstRestore").selectAll();
+    rig.messageBoxes.shown.clear();
+    rig.messageBoxes.defaultAnswer = Answer::Yes;
+    int tried = 0;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (!rig.program->archive.restore.running || tried++ > 0)
+            return;
+        rig.find<QWidget>("frmVDStorage").close();
+        rig.find<QAction>("mnuDel").trigger();
+        for (const char* command : {"mnuNew", "mnuClose", "mnuBackup", "mnure", "mnuExit"})
+            rig.find<QAction>(command).trigger();
+        rig.program->window().close();
+        EXPECT_TRUE(storage.loaded && !storage.lstRestore.empty());
+    });
+    watch.start(0);
+    QTimer::singleShot(0, [] {
+        QApplication::activeModalWidget()
+            ->findChild<QPushButton*>(QStringLiteral("cmdOK"))
+            ->click();
+    });
+    rig.find<QAction>("mnuAsOf").trigger();
+    watch.stop();
+    EXPECT_GT(tried, 0);
+    EXPECT_TRUE(storage.loaded);
+    EXPECT_FALSE(storage.busy || rig.program->mainFrame.commandRunning);
+    EXPECT_EQ(copies(), static_cast<std::size_t>(kFiles));
+    EXPECT_THAT(rig.messageBoxes.texts(), Not(Contains(kDone)));
+    rig.find<QWidget>("frmVDStorage").close();
+    EXPECT_FALSE(storage.loaded) << "behind it the review closes";
+}
+
 // What is on show belongs to the profile that was there.
 TEST_F(Archive, ANewProfileClosesTheReviewOfTheFormerOne)
 {
