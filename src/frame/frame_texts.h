@@ -28,6 +28,9 @@ inline constexpr std::string_view kNameUnusable =
 inline constexpr std::string_view kNameMissing = "Enter the Profile Name";
 inline constexpr std::string_view kNoLocalProfile =
     "There is No Profile in the Local System\r\nSelect Profiles from Backup media";
+inline constexpr std::string_view kStillReading =
+    "A folder is still being read, so the profile is not saved yet. Save it when the folder is "
+    "there, or stop the reading with Esc in the tree.";
 inline constexpr std::string_view kBackUpAgain =
     "It is advisable to execute the backup to save the latest changed Profile.";
 // Lines of a profile's file whose bytes the scrambled form cannot hold.

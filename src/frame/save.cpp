@@ -36,9 +36,17 @@ private:
     state::MainFrameForm& m_form;
 };
 
-// Whether the profile holds sources and a destination, and nothing in it is wrong.
+// Whether the profile holds sources and a destination, all of them read, and nothing in it is
+// wrong.
 bool maySave(FrameContext& context)
 {
+    // Half a folder would go into the file as the whole of it. The reading waits below this very
+    // call, so it cannot be waited for.
+    if (context.form.tree.form.reading.active) {
+        refuse(context, texts::kStillReading);
+        context.profiles.frame.BL_Save_Blocked = true;
+        return false;
+    }
     state::ProfileScalars& scalars = context.profiles.store.scalars;
     // An earlier save that stopped may have left them, and the person unticked everything since.
     scalars.bHaveSources = false;

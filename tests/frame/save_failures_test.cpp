@@ -183,6 +183,52 @@ TEST(SaveFailures, WithoutTheProfilesFolderTheErrorIsShownAndTheStatusLineIsEmpt
     EXPECT_EQ(rig.modes(), "Nn");
 }
 
+// A click comes in while a large folder is read: what is in the tree by then is not all of it.
+TEST(SaveFailures, AFolderThatIsStillBeingReadIsNotSavedInPart)
+{
+    FrameRig rig;
+    for (int i = 0; i < 40; ++i)
+        rig.put({"D:\\Data\\Large\\file" + std::to_string(i)});
+    rig.savedProfile("Work");
+    const std::string before = rig.disk.readAll(FrameRig::pathOf("Work.vdp"));
+    rig.expand("D:\\Data\\");
+    rig.change();
+    rig.clock.script().onCallsNamed(
+        "clock.steady", [&](const auto&) { rig.clock.advance(std::chrono::milliseconds(10)); });
+    const std::vector<std::function<void()>> commands{[&] { mnuSave_Click(rig.commands); },
+                                                      [&] { mnuSaveAs_Click(rig.commands); },
+                                                      [&] {
+                                                          rig.answer({Answer::Yes});
+                                                          EXPECT_FALSE(mnuExit_Click(rig.commands));
+                                                      }};
+    std::size_t turn = 0;
+    rig.messageLoop.onYield = [&] {
+        if (rig.form.reading.active && turn < commands.size())
+            commands[turn++]();
+    };
+    rig.expand("D:\\Data\\Large\\");
+    EXPECT_EQ(turn, commands.size());
+    const std::string refusal =
+        "A folder is still being read, so the profile is not saved yet. Save it when the folder is "
+        "there, or stop the reading with Esc in the tree.";
+    EXPECT_EQ(rig.messages(),
+              (Texts{refusal, refusal, "Do you want to Save the Profile?", refusal}));
+    EXPECT_EQ(rig.disk.readAll(FrameRig::pathOf("Work.vdp")), before);
+    EXPECT_EQ(rig.modes(), "Ee");
+    EXPECT_FALSE(rig.frame.BL_Save_Blocked);
+    EXPECT_EQ(rig.form.reading.ending, editor::FolderReading::Ending::Whole);
+
+    rig.untick("D:\\Data\\Large\\file7");
+    rig.messageLoop.onYield = nullptr;
+    mnuSave_Click(rig.commands);
+    const std::string saved = rig.saved("Work.vdp");
+    EXPECT_EQ(rig.modes(), "E");
+    for (int i = 0; i < 40; ++i) {
+        const bool listed = saved.find("file" + std::to_string(i) + "\r\n") != std::string::npos;
+        EXPECT_EQ(listed, i != 7) << i;
+    }
+}
+
 // The menus stay open during a save: a change that comes in through the message loop is too late
 // for the file.
 TEST(SaveFailures, AChangeInTheMidstOfASaveIsStillToBeSaved)
