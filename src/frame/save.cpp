@@ -241,17 +241,16 @@ void moveArchive(FrameContext& context, const std::string& name)
                            scalars.sDestinationPath);
 }
 
-// The archive holds a copy of the profile, which must not keep a former password. Before the first
-// backup there is no archive.
-void renewArchiveCopy(FrameContext& context, const std::string& name)
+// The archive holds a copy of the profile, which must not keep a former password or say otherwise
+// of the encryption. Before the first backup there is no archive.
+void renewArchiveCopy(FrameContext& context, const std::string& name, bool encryptionChanged)
 {
     FrameState& frame = context.profiles.frame;
     const state::ProfileScalars& scalars = context.profiles.store.scalars;
     const bool passwordTouched = frame.bPwdChangeMode || frame.bPwdConfirmMode;
     frame.bPwdChangeMode = false;
     frame.bPwdConfirmMode = false;
-    const bool encrypts = context.profiles.editor.chkEncrypt.value == 1;
-    if (!passwordTouched && encrypts == scalars.bEncryptFiles)
+    if (!passwordTouched && !encryptionChanged)
         return;
     platform::FileSystem& files = context.profiles.machine.fileSystem;
     const std::string root = platform::joinPath(scalars.sDestinationPath, stemOf(name));
@@ -288,7 +287,7 @@ void saveEdited(FrameContext& context, const std::string& name, bool& saved)
     frame.ST_Current_Profile_Path = profilePath(context, name);
     tellLossyLines(context, written.lossyLines);
     moveArchive(context, name);
-    renewArchiveCopy(context, name);
+    renewArchiveCopy(context, name, written.encryptionChanged);
     markEditedProfile(context);
 }
 

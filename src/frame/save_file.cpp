@@ -1,19 +1,44 @@
 #include "frame/save_file.h"
 
+#include "base/text.h"
 #include "editor/source_capture.h"
 #include "frame/frame_texts.h"
 #include "frame/steps.h"
 #include "profile/profile_change.h"
+#include "profile/profile_format.h"
 #include "profile/profile_lists.h"
 #include "profile/profile_writer.h"
+#include "profile/scramble_text.h"
 #include "profile/scrambler.h"
 
+#include <optional>
 #include <utility>
 
 namespace vardelin::frame {
 namespace {
 
 namespace texts = frame_texts;
+
+constexpr std::string_view kEncryptKey = "Encrypt"; // with and without a blank before its `=`
+
+// What the saved profile says of encryption; nothing where there is none, or it does not say.
+std::optional<bool> savedEncryption(platform::FileSystem& files, const std::string& path)
+{
+    std::optional<bool> encrypts;
+    base::PendingError unread;
+    unread.attempt([&] {
+        if (!files.fileExists(path))
+            return;
+        const std::string text = profile::unscrambleText(files.readAll(path));
+        for (const std::string_view line : profile::fileLines(text)) {
+            // The last one counts: one among the lines of the password is any text.
+            if (base::equalsIgnoringCase(base::trim(base::beforeFirst(line, "=")), kEncryptKey))
+                encrypts = base::equalsIgnoringCase(base::trim(profile::format::valueOf(line)),
+                                                    profile::format::kTrue);
+        }
+    });
+    return encrypts;
+}
 
 } // namespace
 
@@ -39,6 +64,8 @@ WrittenProfile writeProfile(FrameContext& context, const std::string& name, Save
     base::PendingError failure;
     failure.attempt([&] {
         profile::ProfileChange change(profiles.machine.fileSystem, folder, name);
+        const std::optional<bool> encrypted =
+            savedEncryption(profiles.machine.fileSystem, profilePath(context, name));
         editor::GettingChkedItems(context.form.tree);
         pause.show(texts::kSaving3);
         profile::GettingOtherBackUp(profiles);
@@ -54,6 +81,8 @@ WrittenProfile writeProfile(FrameContext& context, const std::string& name, Save
         if (scrambled.done)
             change.scrambled();
         result.done = scrambled.done || change.settle();
+        result.encryptionChanged =
+            encrypted && *encrypted != (profiles.editor.chkEncrypt.value == 1);
         result.lossyLines = std::move(scrambled.lossyLines);
     });
     if (!result.done)

@@ -25,6 +25,7 @@ private:
 
 struct WrittenProfile {
     bool done = false;
+    bool encryptionChanged = false;      // the old file said otherwise; false where there was none
     std::vector<std::size_t> lossyLines; // as in profile::ScrambleResult
 };
 

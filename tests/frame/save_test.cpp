@@ -448,6 +448,35 @@ TEST(SaveCommand, TheArchivesCopyOfTheProfileFollowsThePasswordAndTheEncryption)
     }
 }
 
+// The profile's own file tells whether this save is the one that changed it.
+TEST(SaveCommand, AChangedEncryptionIsToldOnce)
+{
+    FrameRig rig;
+    rig.savedProfile("Work");
+    rig.put({"E:\\Backup\\Work\\Work.vdp"});
+    // As the default profile has it.
+    rig.putFile(FrameRig::pathOf("Work.vdp"),
+                profile::scrambleText(
+                    base::replaceAll(rig.saved("Work.vdp"), "Encrypt=False", "Encrypt = False")));
+    for (const int encrypt : {1, 1, 0, 0, 1}) {
+        const bool isOther = (rig.record.chkEncrypt.value == 1) != (encrypt == 1);
+        rig.record.chkEncrypt.value = encrypt;
+        rig.change();
+        rig.messageBoxes.shown.clear();
+        mnuSave_Click(rig.commands);
+        EXPECT_EQ(rig.messages().size(), isOther ? 1U : 0U);
+    }
+    rig.openByDialog("Work.vdp");
+    mnuClose_Click(rig.commands);
+    mnuOpen_Click(rig.commands);
+    mnuEdit_Click(rig.commands);
+    rig.messageBoxes.shown.clear();
+    rig.change();
+    mnuSave_Click(rig.commands);
+    EXPECT_EQ(rig.messages(), Texts{});
+    EXPECT_EQ(rig.modes(), "E");
+}
+
 TEST(SaveCommand, ACopyForTheArchiveThatFailsIsToldAndTheSaveGoesOn)
 {
     FrameRig rig;
