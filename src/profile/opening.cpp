@@ -75,9 +75,33 @@ bool isGone(OpeningContext& context, const std::string& path, std::string_view p
     return true;
 }
 
+// The timetable of a form that was just loaded. A file mentions the chosen pattern alone, and none
+// of them without a schedule; a save looks at the chosen one whether it is scheduled or not.
+void resetTimetable(ProfileContext& context)
+{
+    const state::ProfileEditorState fresh;
+    const base::DateTime now = context.machine.clock.now();
+    state::ProfileEditorState& editor = context.editor;
+    state::choose(editor.patternOptions(), 0);
+    state::showPatternPage(editor, 1);
+    for (const auto box :
+         {&state::ProfileEditorState::txtDailyRecur, &state::ProfileEditorState::txtWeeklyRecur,
+          &state::ProfileEditorState::txtMonthlyRecur, &state::ProfileEditorState::txtYearlyRecur})
+        (editor.*box).text = (fresh.*box).text;
+    for (const auto picker :
+         {&state::ProfileEditorState::dtpWeekly, &state::ProfileEditorState::dtpMonthly,
+          &state::ProfileEditorState::dtpYearly})
+        (editor.*picker).value = (fresh.*picker).value;
+    editor.dtpDaily.value = now;
+    editor.dtpStDate.value = now;
+    editor.dtpStTime.value = now;
+    context.store.scalars.dStartDate = {};
+}
+
 // What a file need not mention must not be taken over from the profile before.
 void dropFormer(ProfileContext& context)
 {
+    resetTimetable(context);
     state::OpenedLists& opened = context.store.opened;
     opened.clxnOpenedSources.clear();
     opened.clxnOpenedExcluded.clear();

@@ -1,3 +1,4 @@
+#include "editor/schedule_page.h"
 #include "frame_rig.h"
 
 #include <gtest/gtest.h>
@@ -185,6 +186,44 @@ TEST(OpenCommand, AfterCloseTheEditorComesWithTheProfileOrStaysAway)
             EXPECT_EQ(rig.record.txtDestLoc.text, "E:\\Backup");
         }
     }
+}
+
+// A file says nothing of the patterns that it does not use.
+TEST(OpenCommand, ATimetableIsNotTakenOverFromTheFormerProfile)
+{
+    TwoProfiles rig;
+    const auto open = [&](const std::string& name) {
+        rig.openByDialog(name);
+        mnuOpen_Click(rig.commands);
+        mnuEdit_Click(rig.commands);
+    };
+    open("Home.vdp");
+    rig.record.chkAutoSched.value = 1;
+    editor::chkAutoSched_Click(rig.pages);
+    state::choose(rig.record.patternOptions(), 2);
+    editor::optWeekly_Click(rig.pages);
+    rig.record.txtLatestVer.text = "3";
+    rig.record.txtWeeklyRecur.text = "9";
+    rig.record.dtpWeekly.value = {{}, {23, 59, 0}};
+    rig.record.lstWeekDays.rows[3].selected = true;
+    mnuSave_Click(rig.commands);
+    ASSERT_EQ(rig.modes(), "E");
+
+    open("Work.vdp");
+    EXPECT_EQ(rig.record.chkAutoSched.value, 0);
+    EXPECT_EQ(state::chosen(std::as_const(rig.record).patternOptions()), 0);
+    EXPECT_TRUE(rig.record.Frame6.visible);
+    EXPECT_EQ(rig.record.txtWeeklyRecur.text, "1");
+    EXPECT_EQ(rig.record.dtpWeekly.value.time, base::TimeOfDay{});
+    EXPECT_EQ(rig.record.dtpStDate.value.date, rig.clock.now().date);
+    EXPECT_EQ(rig.store.scalars.dStartDate, base::Date{});
+
+    open("Home.vdp");
+    EXPECT_EQ(state::chosen(std::as_const(rig.record).patternOptions()), 2);
+    EXPECT_TRUE(rig.record.Frame7.visible);
+    EXPECT_EQ(rig.record.txtWeeklyRecur.text, "9");
+    EXPECT_EQ(rig.record.dtpWeekly.value.time, (base::TimeOfDay{23, 59, 0}));
+    EXPECT_TRUE(rig.record.lstWeekDays.rows[3].selected);
 }
 
 // It vanished between its listing and its reading, and by then the editor holds nothing.
