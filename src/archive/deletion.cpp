@@ -36,12 +36,15 @@ bool isSettingsGroup(const ReviewRow& row)
            std::any_of(state::kOtherDataNames.begin(), state::kOtherDataNames.end(), same);
 }
 
-// Whether every component of a key is a name: a list that somebody wrote could hold others.
-bool staysInside(std::string_view key)
+// Whether a path, from the archive root on and without a backslash at its end, leads to something
+// below that root: a list that somebody wrote could hold keys that lead elsewhere, or to the root
+// by another of its names.
+bool leadsBelow(std::string_view relative)
 {
-    const auto parts = base::split(key, "\\");
-    return std::none_of(parts.begin(), parts.end(),
-                        [](std::string_view part) { return part == "." || part == ".."; });
+    const auto parts = base::split(relative, "\\");
+    return std::none_of(parts.begin(), parts.end(), [](std::string_view part) {
+        return part.empty() || part == "." || part == "..";
+    });
 }
 
 std::string withGroup(std::string_view key)
@@ -106,13 +109,19 @@ private:
             return;
         }
         // A group row has no path: what would be built of it is the archive root or beside it.
-        const std::string path = archivePathOfKey(m_review.sStoreRoot, row.key);
-        if (m_review.sStoreRoot.empty() || path.size() <= m_review.sStoreRoot.size() ||
-            !staysInside(row.key))
+        std::string path = archivePathOfKey(m_review.sStoreRoot, row.key);
+        if (m_review.sStoreRoot.empty() || path.size() <= m_review.sStoreRoot.size())
             return;
-        if (row.key.ends_with('\\'))
+        const bool isFolder = path.ends_with('\\');
+        if (isFolder)
+            path.pop_back();
+        const std::string_view relative = std::string_view(path).substr(m_review.sStoreRoot.size());
+        if (!leadsBelow(relative))
+            return;
+        if (isFolder)
             deleteFolder(row.key, path);
-        else
+        else if (relative.find('\\') !=
+                 std::string_view::npos) // the root's own files are no copies
             deleteFile(at, path);
     }
 
@@ -149,9 +158,8 @@ private:
     }
 
     // A folder that vanished has no files any more: its lines go all the same.
-    void deleteFolder(const std::string& key, std::string path)
+    void deleteFolder(const std::string& key, const std::string& path)
     {
-        path.pop_back();
         m_listed.reset();
         if (m_files.folderExists(path))
             m_files.removeTree(path);

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "trace/messages.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -36,15 +37,19 @@ public:
     bool areIn(std::string_view line)
     {
         m_line = base::upperAscii(line);
-        if (!m_starts.empty() && isFolderStart(m_line.substr(0, m_line.rfind('\\') + 1))) {
-            for (std::size_t at = m_line.find('\\'); at != std::string::npos;
-                 at = m_line.find('\\', at + 1)) {
-                if (m_starts.contains(m_line.substr(0, at + 1)))
-                    return true;
-            }
-        }
-        for (const std::string& item : m_others) {
-            if (m_line.find(item) != std::string::npos)
+        const auto isIn = [&](const std::string& item) {
+            return m_line.find(item) != std::string::npos;
+        };
+        if (std::any_of(m_others.begin(), m_others.end(), isIn))
+            return true;
+        if (m_starts.empty())
+            return false;
+        // Only a list that somebody wrote has other lines.
+        if (!isFolderStart(std::string_view(m_line).substr(0, m_line.rfind('\\') + 1)))
+            return std::any_of(m_starts.begin(), m_starts.end(), isIn);
+        for (std::size_t at = m_line.find('\\'); at != std::string::npos;
+             at = m_line.find('\\', at + 1)) {
+            if (m_starts.contains(m_line.substr(0, at + 1)))
                 return true;
         }
         return false;

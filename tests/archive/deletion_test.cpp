@@ -456,15 +456,19 @@ TEST(Deletion, NeverTouchesTheArchiveRootOrAnythingOutsideIt)
 {
     for (const std::string_view key :
          {"", "\\", "C", "Files And Folders", "Other Data & Settings", "C:", "C:\\..\\",
-          "C:\\..\\..\\", "C:\\..\\..\\Other\\x_000", "C:.\\", "Other\\x_000"}) {
+          "C:\\..\\..\\", "C:\\..\\..\\Other\\x_000", "C:.\\", "Other\\x_000", ".:\\", ".:.\\",
+          ".:.\\Other\\", ".:.\\Other\\x_000", "\\:\\", "C:\\\\..\\", "C:\\.\\", "C:x_000"}) {
         DeletionRig rig;
         rig.open({"C\\a_FULL_1", "Work.vdp"}, {kFiles, "C:\\"});
         rig.disk.createFolders("D:\\Backup\\Other");
         rig.putFile("D:\\Backup\\Other\\x_FULL_1", "x");
+        rig.putFile(ReviewRig::inArchive("x_FULL.vdp"), "a file of the root itself");
         state::ReviewRow& row = rig.row("C:\\a_000");
         row.key = key;
+        row.text = "x_Org";
         rig.erase({key});
         EXPECT_THAT(rig.stored(), Contains("Work.vdp")) << key;
+        EXPECT_THAT(rig.stored(), Contains("x_FULL.vdp")) << key;
         EXPECT_THAT(rig.stored(), Contains("C\\a_FULL_1")) << key;
         EXPECT_TRUE(rig.disk.fileExists("D:\\Backup\\Other\\x_FULL_1")) << key;
     }
@@ -642,6 +646,19 @@ TEST(ReconstructModelFile, DropsTheLinesThatHoldAnItem)
         EXPECT_FALSE(rig.disk.fileExists("C:\\App\\ChngModel.txt")) << one.what;
         EXPECT_THAT(rig.errorsShown(), IsEmpty()) << one.what;
     }
+}
+
+// Only a list that somebody wrote has such lines; they hold a folder's start all the same.
+TEST(ReconstructModelFile, DropsLinesOfAnyFormThatHoldAnItem)
+{
+    ReviewRig rig;
+    rig.putFile("C:\\App\\model.txt", "Files And Folders\\D:\\x\\C:\\b_000\r\n"
+                                      "A\\files and folders\\d:\\x\\c_000\r\n"
+                                      "Files And Folders\\D:\\y\\C:\\b_000\r\n");
+    base::TextCollection drop;
+    drop.add("Files And Folders\\D:\\x\\");
+    ReconstructModelFile(rig.review, drop);
+    EXPECT_EQ(rig.model(), "Files And Folders\\D:\\y\\C:\\b_000\r\n");
 }
 
 TEST(ReconstructModelFile, LeavesTheOldListWhereItDies)

@@ -265,6 +265,16 @@ TEST(ReviewStory, OfAListThatSomebodyWroteDeletesNothingOutsideTheArchive)
     story.erase({"C:\\..\\", "C:\\..\\..\\precious\\", "C:\\..\\..\\precious\\b.txt_000"});
     EXPECT_TRUE(fs::exists(story.native("store/precious/b.txt_FULL_1")));
     EXPECT_EQ(story.copiesOf("a.txt"), 1U);
+
+    // Other names of the archive root and of what is beside it.
+    for (const std::string_view key :
+         {".:\\", "\\:\\", "C:\\..\\", ".:.\\precious\\", ".:.\\precious\\b.txt_000"}) {
+        story.form.lstRestore.back().key = key;
+        story.form.lstRestore.back().text = "b.txt_Org";
+        story.erase({key});
+        EXPECT_TRUE(fs::exists(story.native("store/precious/b.txt_FULL_1"))) << key;
+        EXPECT_EQ(story.copiesOf("a.txt"), 1U) << key;
+    }
 }
 
 } // namespace
