@@ -1,10 +1,10 @@
 #include "app/archive_parts.h"
 
 #include "archive/deletion.h"
+#include "archive/paced_loop.h"
 #include "base/runtime_error.h"
 #include "frame/command.h"
 #include "frame/window_commands.h"
-#include "runs/engine/engine.h"
 #include "ui/log_view.h"
 #include "ui/review_view.h"
 
@@ -41,7 +41,12 @@ ArchiveParts::ArchiveParts(profile::ProfileContext& profiles, ui::MainWindow& wi
                     return runs::engineRestore(profiles.machine,
                                                profiles.frame.ST_App_Path)(request, proStatus);
                 }},
-      m_reviewCommand{m_windows, storage, [this] { loadReview(); }, reviewIsOpen},
+      m_reviewCommand{m_windows,
+                      storage,
+                      review,
+                      [this] { loadReview(); },
+                      [this] { m_window.raiseForm(*m_reviewView); },
+                      reviewIsOpen},
       m_logs{profiles.machine, profiles.trace, profiles.frame, logForm}
 {
     // As the commands of the main frame: none inside another one. Rows that a restore goes through,
@@ -113,8 +118,6 @@ void ArchiveParts::mnuBkpSto_Click()
     if (m_frame->main.commandRunning)
         return;
     frame::mnuBkpSto_Click(*m_frame, m_reviewCommand);
-    if (storage.loaded && storage.visible)
-        m_window.raiseForm(*m_reviewView);
 }
 
 // The list of an uncompressed archive is written by a backup and used up by a look at it, and it
@@ -126,10 +129,14 @@ void ArchiveParts::loadReview()
     storage.rowsRevision = revision + 1;
     review = archive::ReviewState(pathRule(m_profiles.machine.fileSystem));
     if (!m_profiles.store.scalars.bCompressFiles) {
+        archive::PacedLoop loop(m_profiles.machine.messageLoop, m_profiles.machine.clock);
         base::PendingError noList; // the load says that there is none
         noList.attempt([&] {
-            engine::rebuildReviewFiles(m_profiles.machine, m_profiles.frame.ST_App_Path,
-                                       m_profiles.frame.ST_Current_Profile_Path);
+            archive::writeReviewFiles(
+                m_profiles.machine.fileSystem, m_profiles.frame.ST_App_Path,
+                archive::archiveRoot(m_profiles.store.scalars.sDestinationPath,
+                                     m_profiles.frame.ST_Current_Profile),
+                [&] { loop.step(); });
         });
     }
     archive::frmVDStorage_Load(m_review);
@@ -197,8 +204,22 @@ void ArchiveParts::showRecords()
 {
     m_window.showForm(*m_reviewView, storage.loaded && storage.visible);
     m_window.showForm(*m_logView, logForm.loaded && logForm.visible);
+    enableReview();
     m_reviewView->showRecord();
     m_logView->showRecord();
+}
+
+// With the frame, of whose commands a run leaves none. The keyboard comes back to the rows.
+void ArchiveParts::enableReview()
+{
+    const bool active = m_frame == nullptr || m_frame->main.editorEnabled;
+    if (m_reviewView->isEnabled() == active)
+        return;
+    if (!active)
+        m_reviewHadFocus = m_reviewView->isAncestorOf(m_window.focusWidget());
+    m_reviewView->setEnabled(active);
+    if (active && m_reviewHadFocus)
+        m_reviewView->setFocus();
 }
 
 } // namespace vardelin::app

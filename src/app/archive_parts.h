@@ -25,6 +25,9 @@ namespace vardelin::app {
 // What the program has beside the editor: the review of an archive with its restore and its
 // deletion, and the logs. Owns their records and ties them to their views, which the window's area
 // holds. For the thread of the user interface.
+//
+// What a person does in the review counts as a command of the main frame: none begins while another
+// one runs, since it would take the rows away from under it.
 class ArchiveParts {
 public:
     // All outlive this object.
@@ -67,6 +70,7 @@ private:
     // A handler of the views, unless a command or another one runs.
     template <typename Body>
     void runAlone(const char* name, Body&& body);
+    void enableReview();
     template <typename Command>
     void runLogs(Command command);
 
@@ -82,6 +86,7 @@ private:
 
     ui::ReviewView* m_reviewView; // the window's area owns both
     ui::LogView* m_logView;
+    bool m_reviewHadFocus = false; // when the frame was closed
 };
 
 } // namespace vardelin::app

@@ -282,17 +282,25 @@ void walkArchive(FileSystem& fileSystem, std::string_view root,
     walkLevel(fileSystem, root, withoutBackslash(root), steps);
 }
 
-void writeReviewFiles(FileSystem& fileSystem, std::string_view appPath, std::string_view root)
+void writeReviewFiles(FileSystem& fileSystem, std::string_view appPath, std::string_view root,
+                      const std::function<void()>& step)
 {
     const std::string path = reviewFilesPath(appPath);
-    fileSystem.createFolders(platform::parentOf(path));
-    LineWriter writer(fileSystem, path);
-    std::string line;
-    walkArchive(fileSystem, root, [&](std::string_view file) {
-        if (makeLine(root, file, kFilesGroup, line) == Naming::Named)
-            writer.write(line);
-    });
-    writer.close();
+    try {
+        fileSystem.createFolders(platform::parentOf(path));
+        LineWriter writer(fileSystem, path);
+        std::string line;
+        walkArchive(fileSystem, root, [&](std::string_view file) {
+            if (makeLine(root, file, kFilesGroup, line) == Naming::Named)
+                writer.write(line);
+            step();
+        });
+        writer.close();
+    } catch (const RuntimeError&) {
+        base::PendingError second; // the first error is the one to report
+        second.attempt([&] { fileSystem.removeFile(path); });
+        throw;
+    }
 }
 
 void RecursiveCallForSubFolders(const CatalogContext& context, ReviewState& state,

@@ -117,8 +117,11 @@ void walkArchive(platform::FileSystem& fileSystem, std::string_view root,
 
 // Writes the catalog lines of a whole archive anew to Data\ReviewFiles.txt, which is made with its
 // folder. A malformed name has no line here. Keeps one folder's names in memory, not the archive's.
-void writeReviewFiles(platform::FileSystem& fileSystem, std::string_view appPath,
-                      std::string_view root);
+// `step` is called behind each file. After an error there is no list: neither a part of one nor
+// that of another archive may pass for it.
+void writeReviewFiles(
+    platform::FileSystem& fileSystem, std::string_view appPath, std::string_view root,
+    const std::function<void()>& step = [] {});
 
 // What the walk that reports its errors needs; holds references only.
 struct CatalogContext {

@@ -320,6 +320,8 @@ void AddChildItems(ReviewContext& context, std::size_t& index, std::size_t& inse
                 bar.value = static_cast<double>(i);
                 loop.step();
             }
+            if (insertAfter > form.lstRestore.size()) // the form was unloaded meanwhile
+                throw RuntimeError(base::error_number::kSubscript, std::to_string(insertAfter));
             // All at once, so that the rows behind move once and a failure leaves no half folder.
             const auto at = form.lstRestore.begin() + static_cast<std::ptrdiff_t>(insertAfter);
             form.lstRestore.insert(at, std::make_move_iterator(rows.begin()),

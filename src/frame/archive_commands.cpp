@@ -160,6 +160,29 @@ std::string reviewCaption(std::string_view profileName)
     return fmt::format("{} - '{} 'Profile", texts::kReviewCaption, stemOf(profileName));
 }
 
+// A restore goes by the profile, a deletion by the archive on show: they must be the same.
+bool showsArchiveOf(const FrameContext& context, const ReviewCommandContext& review)
+{
+    return review.reviewIsOpen && review.storage.loaded &&
+           review.review.sStoreRoot ==
+               archive::archiveRoot(context.profiles.store.scalars.sDestinationPath,
+                                    context.profiles.frame.ST_Current_Profile);
+}
+
+// The commands that save have nothing to save there: what is on show is the archive.
+void showReview(FrameContext& context, ReviewCommandContext& review)
+{
+    review.storage.visible = true;
+    for (const std::size_t button : {kEditButton, kSaveButton, kSaveAsButton})
+        context.main.Toolbar1(button).enabled = false;
+    for (state::MenuEntry* const entry :
+         {&context.main.mnuEdit, &context.main.mnuSave, &context.main.mnuSaveAs})
+        entry->enabled = false;
+    context.main.Toolbar1(kProfileButton).enabled = true;
+    context.main.mnuProfile.enabled = true;
+    review.showReview();
+}
+
 void openReview(FrameContext& context, ReviewCommandContext& review, const SavedProfile& profile)
 {
     std::string& panel = context.profiles.frame.panel1.text;
@@ -182,16 +205,9 @@ void openReview(FrameContext& context, ReviewCommandContext& review, const Saved
         return;
     }
     review.storage.caption = reviewCaption(profile.name);
-    review.storage.visible = true;
     review.storage.enabled = true;
     review.reviewIsOpen = true;
-    for (const std::size_t button : {kEditButton, kSaveButton, kSaveAsButton})
-        context.main.Toolbar1(button).enabled = false;
-    for (state::MenuEntry* const entry :
-         {&context.main.mnuEdit, &context.main.mnuSave, &context.main.mnuSaveAs})
-        entry->enabled = false;
-    context.main.Toolbar1(kProfileButton).enabled = true;
-    context.main.mnuProfile.enabled = true;
+    showReview(context, review);
 }
 
 } // namespace
@@ -233,10 +249,12 @@ void mnuBkpSto_Click(FrameContext& context, ReviewCommandContext& review)
             context.profiles.frame.panel1.text.clear();
             return;
         }
-        if (review.reviewIsOpen && review.storage.loaded)
-            review.storage.visible = true;
-        else
-            openReview(context, review, profile);
+        if (showsArchiveOf(context, review)) {
+            showReview(context, review);
+            return;
+        }
+        context.window.unloadReview();
+        openReview(context, review, profile);
     });
 }
 

@@ -19,12 +19,16 @@ void mnuBackup_Click(FrameContext& context, runs::BackupContext& backup);
 struct ReviewCommandContext {
     runs::PasswordWindow& passwords;
     state::frmVDStorage& storage;
-    std::function<void()> frmVDStorage_Load; // fills `storage`; unloads it where there is no backup
+    const archive::ReviewState& review; // whose archive `storage` shows
+    std::function<void()>
+        frmVDStorage_Load;            // fills both; unloads the form where there is no backup
+    std::function<void()> showReview; // brings the form to the front
     bool& reviewIsOpen;
 };
 
 // Review and Restore: asks for the password where the profile has one, and opens the archive. A
-// review that is open comes to the front and is not built anew.
+// review that is open comes to the front and is not built anew, as long as the profile has the
+// archive that it shows: after a Save As, or with another destination, it is another one.
 void mnuBkpSto_Click(FrameContext& context, ReviewCommandContext& review);
 
 } // namespace vardelin::frame

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -273,6 +274,120 @@ TEST_F(Archive, ANewProfileClosesTheReviewOfTheFormerOne)
     EXPECT_FALSE(rig.program->archive.reviewIsOpen || rig.program->archive.storage.loaded);
     EXPECT_FALSE(rig.find<QWidget>("lstRestore").isVisibleTo(&rig.program->window()));
     EXPECT_TRUE(rig.find<QWidget>("frmProfile").isVisibleTo(&rig.program->window()));
+}
+
+// The review of a small archive, in front.
+class ReviewInFront : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        rig.folder.write("home/Documents/letter.txt", "a letter");
+        rig.start();
+        run("mnuBackup");
+        run("mnure");
+        rig.messageBoxes.shown.clear();
+        ASSERT_TRUE(parts().reviewIsOpen);
+        list().setFocus();
+        list().setCurrentIndex(list().model()->index(0, 0));
+    }
+    void run(const char* command) { rig.find<QAction>(command).trigger(); }
+    app::ArchiveParts& parts() { return rig.program->archive; }
+    QAbstractItemView& list() { return rig.find<QAbstractItemView>("lstRestore"); }
+    bool isInFront() { return list().isVisibleTo(&rig.program->window()); }
+
+    test::AppRig rig;
+};
+
+// A run lets events through, and so does a restore: what a person does to the rows meanwhile would
+// take them away from under it.
+TEST_F(ReviewInFront, TakesNothingWhileACommandRuns)
+{
+    const std::size_t rows = parts().storage.lstRestore.size();
+    parts().storage.lstRestore.back().selected = true;
+    rig.program->mainFrame.commandRunning = true;
+    bool windows = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (QWidget* const window = QApplication::activeModalWidget())
+            windows = window->close();
+    });
+    watch.start(0);
+    QTest::keyClick(&list(), Qt::Key_Right);
+    QTest::keyClick(&list(), Qt::Key_Menu);
+    for (const char* name : {"mnuDel", "mnuAsOf", "mnuByDate", "mnure", "mnuBackLog"})
+        run(name);
+    rig.find<QWidget>("frmVDStorage").findChild<QPushButton*>("cmdClose")->click();
+    EXPECT_EQ(parts().storage.lstRestore.size(), rows);
+    EXPECT_TRUE(rig.messageBoxes.shown.empty());
+    QApplication::processEvents();
+    EXPECT_FALSE(windows);
+    EXPECT_TRUE(parts().reviewIsOpen && parts().storage.loaded && isInFront());
+
+    rig.program->mainFrame.commandRunning = false;
+    QTest::keyClick(&list(), Qt::Key_Right);
+    EXPECT_GT(parts().storage.lstRestore.size(), rows);
+}
+
+// Nor does a command begin while rows are opened or deleted: a new profile would unload them.
+TEST_F(ReviewInFront, LetsNoCommandBeginWhileItWorks)
+{
+    parts().storage.lstRestore.front().selected = true;
+    bool tried = false;
+    rig.messageBoxes.script().onCallsNamed("boxes.show", [&](const auto&) {
+        if (std::exchange(tried, true))
+            return;
+        run("mnuNew");
+        run("mnuClose");
+        rig.program->window().close();
+    });
+    run("mnuDel");
+    EXPECT_TRUE(tried);
+    EXPECT_THAT(rig.messageBoxes.texts(),
+                testing::ElementsAre("Do you want to delete the selected item?"));
+    EXPECT_TRUE(parts().reviewIsOpen && isInFront());
+    EXPECT_FALSE(rig.program->mainFrame.commandRunning);
+}
+
+TEST_F(ReviewInFront, IsClosedWithTheFrameAndKeepsTheKeyboard)
+{
+    rig.program->mainFrame.editorEnabled = false;
+    rig.program->showRecords();
+    EXPECT_FALSE(list().isEnabled());
+    rig.program->mainFrame.editorEnabled = true;
+    rig.program->showRecords();
+    EXPECT_TRUE(list().isEnabled());
+    EXPECT_EQ(rig.program->window().focusWidget(), &list());
+}
+
+// Its list is made anew for it: the last backup may have been another profile's.
+TEST_F(ReviewInFront, OfAnUncompressedArchiveShowsItsOwnFiles)
+{
+    for (int looks = 0; looks < 2; ++looks) {
+        rig.find<QWidget>("frmVDStorage").findChild<QPushButton*>("cmdClose")->click();
+        ASSERT_FALSE(parts().reviewIsOpen);
+        rig.folder.write("app/Data/ReviewFiles.txt", "Files And Folders\\Q:\\other.txt_000\r\n");
+        rig.program->store.scalars.bCompressFiles = false;
+        run("mnure");
+        ASSERT_TRUE(parts().reviewIsOpen);
+        list().setCurrentIndex(list().model()->index(0, 0));
+        QTest::keyClick(&list(), Qt::Key_Right);
+        ASSERT_GT(parts().storage.lstRestore.size(), 1U);
+        EXPECT_EQ(parts().storage.lstRestore[1].text, "C:");
+    }
+    EXPECT_TRUE(rig.errorDialog.shown.empty());
+}
+
+// The editor may be in front, and what it holds may be refused.
+TEST_F(ReviewInFront, StaysBehindTheEditorWhereItsCommandStops)
+{
+    run("mnuProfile");
+    ASSERT_FALSE(isInFront());
+    rig.program->frame.ST_Current_Profile_Path.clear();
+    run("mnure");
+    EXPECT_THAT(rig.messageBoxes.texts(),
+                Contains("New Profile (or) Edit Profile hasn't been saved or Backedup to review "
+                         "Archive"));
+    EXPECT_FALSE(isInFront());
 }
 
 } // namespace

@@ -400,6 +400,35 @@ TEST(ReviewFiles, OfAWholeArchiveRaiseWhatTheDiskRaises)
     EXPECT_THROW(writeReviewFiles(review.files, "C:\\App", kRoot), RuntimeError);
 }
 
+// What is left of a list, or another archive's, would pass for this one's.
+TEST(ReviewFiles, OfAWholeArchiveAreGoneAfterAnError)
+{
+    std::size_t calls = 0;
+    for (std::size_t n = 1;; ++n) {
+        Review review;
+        review.put("C\\a_FULL_1");
+        review.rig.putFile("C:\\App\\Data\\ReviewFiles.txt",
+                           "Files And Folders\\D:\\other_000\r\n");
+        review.script.failCall(n, base::error_number::kDeviceIo);
+        std::size_t steps = 0;
+        bool done = false;
+        try {
+            writeReviewFiles(review.files, "C:\\App", kRoot, [&] { ++steps; });
+            done = true;
+        } catch (const RuntimeError&) {
+            EXPECT_FALSE(review.rig.disk.fileExists("C:\\App\\Data\\ReviewFiles.txt")) << n;
+        }
+        if (done) {
+            EXPECT_EQ(review.listing(), "Files And Folders\\C:\\a_000\r\n");
+            EXPECT_EQ(steps, 1U);
+        }
+        calls = review.script.callCount();
+        if (n > calls)
+            break;
+    }
+    EXPECT_GT(calls, 4U);
+}
+
 // Many lines: the blocks in which they are written must not show.
 TEST(ReviewFiles, AreWholeForManyLines)
 {

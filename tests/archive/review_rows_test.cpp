@@ -356,6 +356,21 @@ TEST(ReviewRows, AreLeftAloneByAClickWhileOthersAreMade)
     EXPECT_THAT(rig.shown(), ElementsAre("-Files And Folders", "  -C:", "     a_Org", "  +D:"));
 }
 
+TEST(ReviewRows, ComeIntoNoListThatWasEmptiedMeanwhile)
+{
+    ReviewRig rig;
+    rig.put({"C\\a_FULL_1", "D\\b_FULL_1"});
+    rig.load();
+    rig.clock.script().onCallsNamed("clock.steady", [&](const platform::CallScript::Call&) {
+        rig.clock.advance(std::chrono::milliseconds(60));
+    });
+    rig.messageLoop.onYield = [&] { rig.form.lstRestore.clear(); };
+    rig.click({kFiles});
+    EXPECT_THAT(rig.shown(), IsEmpty());
+    EXPECT_FALSE(rig.form.busy);
+    EXPECT_FALSE(rig.errorsShown().empty());
+}
+
 TEST(ReviewRows, AreLeftAloneByAClickBesideThem)
 {
     ReviewRig rig;

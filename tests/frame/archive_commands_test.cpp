@@ -82,14 +82,22 @@ struct ArchiveCommands : testing::Test, FrameRig {
     Passwords passwords;
     state::frmVDStorage storage;
     bool reviewIsOpen = false;
+    archive::ReviewState state;
     int loads = 0;
+    int raised = 0;
     bool hasArchive = true;
-    ReviewCommandContext review{passwords, storage,
+    ReviewCommandContext review{passwords,
+                                storage,
+                                state,
                                 [this] {
                                     ++loads;
                                     EXPECT_FALSE(mainForm.Toolbar1Enabled);
+                                    EXPECT_EQ(frame.panel1.text, "Reviewing Backup data...");
                                     storage.loaded = hasArchive;
+                                    state.sStoreRoot = archive::archiveRoot(
+                                        store.scalars.sDestinationPath, frame.ST_Current_Profile);
                                 },
+                                [this] { ++raised; },
                                 reviewIsOpen};
 
     ArchiveCommands() { savedProfile("Work"); }
@@ -606,12 +614,79 @@ TEST_F(ArchiveCommands, TheReviewOpensBehindThePassword)
     EXPECT_TRUE(mainForm.Toolbar1Enabled);
     EXPECT_FALSE(mainForm.Toolbar1(3).enabled || mainForm.Toolbar1(4).enabled ||
                  mainForm.Toolbar1(5).enabled);
+    EXPECT_FALSE(mainForm.mnuEdit.enabled || mainForm.mnuSave.enabled ||
+                 mainForm.mnuSaveAs.enabled);
     EXPECT_TRUE(mainForm.Toolbar1(11).enabled && mainForm.mnuProfile.enabled);
+    EXPECT_TRUE(storage.enabled);
+    EXPECT_EQ(raised, 1);
 
+    mnuProfile_Click(commands);
+    ASSERT_TRUE(mainForm.Toolbar1(4).enabled && mainForm.mnuSaveAs.enabled);
     storage.visible = false;
     openReview();
     EXPECT_EQ(loads, 1) << "an open review is not built anew";
     EXPECT_TRUE(storage.visible);
+    EXPECT_EQ(raised, 2);
+    EXPECT_FALSE(mainForm.Toolbar1(4).enabled || mainForm.mnuSaveAs.enabled)
+        << "a Save As would leave the review with another profile's archive";
+}
+
+// A restore goes by the profile, a deletion by what is on show.
+TEST_F(ArchiveCommands, AReviewOfAnotherArchiveIsBuiltAnew)
+{
+    makeArchive();
+    openReview();
+    mnuProfile_Click(commands);
+    disk.createFolders("E:\\Backup\\Other\\D");
+    putFile("E:\\Backup\\Other\\D\\a_FULL_x", "x");
+    enterName("Other");
+    mnuSaveAs_Click(commands);
+    ASSERT_EQ(frame.ST_Current_Profile, "Other.vdp");
+    windows.calls.clear();
+    openReview();
+    EXPECT_TRUE(windows.called("unloadReview"));
+    EXPECT_EQ(loads, 2);
+    EXPECT_EQ(storage.caption, "Restore - 'Other 'Profile");
+
+    disk.createFolders("D:\\Else\\Other\\D");
+    putFile("D:\\Else\\Other\\D\\a_FULL_x", "x");
+    store.scalars.sDestinationPath = "D:\\Else";
+    openReview();
+    EXPECT_EQ(loads, 3) << "another destination";
+    openReview();
+    EXPECT_EQ(loads, 3);
+}
+
+TEST_F(ArchiveCommands, ARefusedSaveStopsTheReview)
+{
+    makeArchive();
+    openReview();
+    mnuProfile_Click(commands);
+    markChanged(frame);
+    record.txtDestLoc.text.clear();
+    clearBoxes();
+    answer({Answer::Yes});
+    frame.panel1.text.clear();
+    openReview();
+    EXPECT_EQ(raised, 1) << "the editor stays in front";
+    EXPECT_EQ(loads, 1);
+    EXPECT_FALSE(frame.BL_Save_Blocked) << "so that it stops nothing else";
+    EXPECT_EQ(frame.panel1.text.find("Reviewing"), std::string::npos);
+}
+
+TEST_F(ArchiveCommands, AnErrorOfTheLoadOpensTheFrameAgain)
+{
+    makeArchive();
+    review.frmVDStorage_Load = [this] {
+        storage.loaded = true;
+        throw base::RuntimeError(base::error_number::kPathNotFound);
+    };
+    openReview();
+    EXPECT_FALSE(reviewIsOpen || storage.loaded || storage.visible);
+    EXPECT_EQ(raised, 0);
+    EXPECT_TRUE(mainForm.Toolbar1Enabled);
+    EXPECT_TRUE(dialog.shown.empty()) << "the load has shown its own";
+    EXPECT_EQ(frame.panel1.text, "");
 }
 
 TEST_F(ArchiveCommands, AReviewNeedsASavedProfile)
@@ -649,9 +724,13 @@ TEST_F(ArchiveCommands, APasswordKeepsTheReviewShut)
     mnuSave_Click(commands);
     clearBoxes();
 
+    passwords.person = [this](runs::PasswordGateContext&, state::frmResPwd&) {
+        EXPECT_EQ(frame.panel1.text, "Reviewing Archive...");
+    };
     openReview();
     EXPECT_EQ(passwords.shown, 1);
     EXPECT_EQ(loads, 0);
+    EXPECT_EQ(raised, 0);
     EXPECT_EQ(frame.panel1.text, "");
 
     passwords.person = [](runs::PasswordGateContext& gate, state::frmResPwd& asked) {
