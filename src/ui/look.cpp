@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFontMetrics>
 #include <QPainter>
@@ -19,6 +20,7 @@ constexpr double kBoxShare = 0.85;    // of a line's height
 constexpr int kRowRoom = 4;           // pixels that a row has beside its text
 constexpr int kDarkBelow = 128;       // the lightness of a window
 constexpr int kButtonRoom = 12;       // likewise a button
+constexpr int kCellRoom = 5;          // at each side of a cell's text, and of its heading
 
 QColor mixed(const QColor& back, const QColor& front, double share)
 {
@@ -55,6 +57,31 @@ public:
             drawOutline(*option, *painter);
     }
 
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override
+    {
+        const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (element != CE_MenuItem || item == nullptr || item->icon.isNull() ||
+            !item->state.testFlag(State_Selected) || !item->state.testFlag(State_Enabled)) {
+            QProxyStyle::drawControl(element, option, painter, widget);
+            return;
+        }
+        // Our icons have the colours for a menu's ground, not for that of its selected entry.
+        QStyleOptionMenuItem readable = *item;
+        readable.icon = inOneColour(item->icon, pixelMetric(PM_SmallIconSize, option, widget),
+                                    item->palette.color(QPalette::HighlightedText), *painter);
+        QProxyStyle::drawControl(element, &readable, painter, widget);
+    }
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override
+    {
+        // A desktop's pictures on OK and Cancel are of another make than ours.
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override
     {
@@ -68,6 +95,12 @@ public:
                                                : QFontMetrics(QApplication::font()).height();
             return std::max(size, static_cast<int>(line * kBoxShare));
         }
+        case PM_HeaderMargin:
+            return std::max(size, kCellRoom);
+        case PM_FocusFrameHMargin: // a pixel less than what the style leaves beside a cell's text
+            return qobject_cast<const QAbstractItemView*>(widget) != nullptr
+                       ? std::max(size, kCellRoom - 1)
+                       : size;
         default:
             return size;
         }
@@ -85,6 +118,17 @@ public:
     }
 
 private:
+    static QIcon inOneColour(const QIcon& icon, int side, const QColor& colour,
+                             const QPainter& target)
+    {
+        QPixmap picture = icon.pixmap(QSize(side, side), target.device()->devicePixelRatioF());
+        QPainter painter(&picture);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(picture.rect(), colour);
+        painter.end();
+        return picture;
+    }
+
     // The style's own frames are darker than the window as well.
     static void drawOutline(const QStyleOption& option, QPainter& painter)
     {

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QStyle>
 #include <QToolBar>
 #include <QToolButton>
 
@@ -199,10 +200,16 @@ void MainWindow::buildStatusBar()
 {
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
     statusBar()->setSizeGripEnabled(false);
+    // In line with what stands above.
+    const int margin = style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
+    statusBar()->setContentsMargins(margin, 0, margin, 0);
     m_progress = new QProgressBar;
     m_progress->setObjectName(QStringLiteral("pb"));
     m_progress->setTextVisible(false);
     m_progress->setAccessibleName(tr("Progress"));
+    QSizePolicy keepsRoom = m_progress->sizePolicy();
+    keepsRoom.setRetainSizeWhenHidden(true);
+    m_progress->setSizePolicy(keepsRoom);
     for (int i = 0; i < 3; ++i) {
         m_panels[i] = new QLabel;
         m_panels[i]->setObjectName(QStringLiteral("panel%1").arg(i + 1));
@@ -232,6 +239,8 @@ void MainWindow::showRecords()
     // What is done leaves its bar full until the next work begins: nobody waits for it any more.
     if (share >= 1 && !m_form.commandRunning)
         share = 0;
+    // An empty bar where nothing runs looks like a box to write in.
+    m_progress->setVisible(m_form.commandRunning || share > 0);
     m_progress->setRange(0, kProgressSteps);
     m_progress->setValue(static_cast<int>(share * kProgressSteps));
 }

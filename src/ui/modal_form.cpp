@@ -20,6 +20,13 @@ ModalForm::ModalForm(const char* name, const std::string& caption, const bool& s
     });
 }
 
+void ModalForm::done(int result)
+{
+    QDialog::done(result);
+    if (parentWidget() != nullptr)
+        parentWidget()->window()->activateWindow();
+}
+
 void ModalForm::addButtons(QVBoxLayout& layout, std::initializer_list<QPushButton*> buttons,
                            QPushButton* apart)
 {

@@ -22,6 +22,10 @@ public:
     // Ties more to what the person does here: `also` runs behind every handler of the form.
     FormBinder& binder() { return m_binder; }
 
+    // Hides the form and gives the keyboard back to the window that it stood in front of: where a
+    // message closes right before the form does, a window manager gives it to nobody.
+    void done(int result) override;
+
 protected:
     // `stays` must outlive the window.
     ModalForm(const char* name, const std::string& caption, const bool& stays, QWidget* parent);

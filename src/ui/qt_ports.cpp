@@ -3,6 +3,7 @@
 #include "ui/shown_text.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QMessageBox>
 
 namespace vardelin::ui {
@@ -11,6 +12,8 @@ namespace {
 using platform::Answer;
 using platform::Buttons;
 using platform::Icon;
+
+constexpr int kLeastLetters = 52; // the width of a box, in letters
 
 QMessageBox::Icon iconOf(Icon icon)
 {
@@ -51,6 +54,10 @@ Answer QtMessageBoxes::show(std::string_view text, std::string_view title, Butto
                     modal != nullptr ? modal : m_parent);
     // Plain text: a path may hold what looks like markup.
     box.setTextFormat(Qt::PlainText);
+    // A short text alone would make a box that hardly holds its title.
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout()))
+        grid->addItem(new QSpacerItem(box.fontMetrics().averageCharWidth() * kLeastLetters, 0),
+                      grid->rowCount(), 0, 1, grid->columnCount());
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::Yes;

@@ -147,7 +147,7 @@ QVariant ReviewModel::headerData(int section, Qt::Orientation orientation, int r
         return shown(kHeadings[static_cast<std::size_t>(section)]);
     if (role == Qt::TextAlignmentRole)
         return static_cast<int>(Qt::AlignVCenter |
-                                (section == kSize ? Qt::AlignHCenter : Qt::AlignLeft));
+                                (section == kSize ? Qt::AlignRight : Qt::AlignLeft));
     return {};
 }
 

@@ -83,6 +83,19 @@ TEST(MessageBoxes, GiveThePersonsAnswer)
     }
 }
 
+TEST(MessageBoxes, AShortTextHasRoomAndNoForeignPictures)
+{
+    QtMessageBoxes boxes;
+    whenShown([](QDialog& window) {
+        EXPECT_GE(window.width(), window.fontMetrics().averageCharWidth() * 50);
+        for (const QPushButton* button : window.findChildren<QPushButton*>())
+            EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
+        keepPicture(window, "message");
+        window.done(0);
+    });
+    boxes.show("Invalid Password", "Vardelin", Buttons::Ok, Icon::None);
+}
+
 TEST(MessageBoxes, AClosedQuestionIsNotAgreedTo)
 {
     QtMessageBoxes boxes;

@@ -16,10 +16,34 @@
 
 #include <QCheckBox>
 #include <QImage>
+#include <QMenu>
+#include <QPixmap>
 #include <QPushButton>
 
 namespace vardelin::ui {
 namespace {
+
+// An icon has colours for the menu's ground, which its selected entry has not.
+TEST(Looks, TheIconOfASelectedMenuEntryHasTheColourOfItsText)
+{
+    QPixmap red(32, 32);
+    red.fill(Qt::red);
+    QMenu menu;
+    QAction* const entry = menu.addAction(red, "Entry");
+    menu.show();
+    const auto reds = [&] {
+        const QImage picture = menu.grab().toImage();
+        int count = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                count += picture.pixelColor(x, y) == QColor(Qt::red) ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_GT(reds(), 0);
+    menu.setActiveAction(entry);
+    EXPECT_EQ(reds(), 0);
+}
 
 TEST(Looks, NothingIsClippedInTheExclusions)
 {

@@ -108,6 +108,23 @@ TEST_F(Window, AFullBarStandsOnlyWhileACommandRuns)
     EXPECT_EQ(bar->value(), 0);
 }
 
+// Where nothing runs it would look like a box to write in.
+TEST_F(Window, TheBarIsSeenOnlyWhileThereIsSomethingToTell)
+{
+    MainWindow window(form, frame, commands);
+    const auto* bar = window.findChild<QProgressBar*>("pb");
+    frame.pb.maximum = 100;
+    window.showRecords();
+    EXPECT_FALSE(bar->isVisibleTo(&window));
+    form.commandRunning = true;
+    window.showRecords();
+    EXPECT_TRUE(bar->isVisibleTo(&window));
+    form.commandRunning = false;
+    frame.pb.value = 40;
+    window.showRecords();
+    EXPECT_TRUE(bar->isVisibleTo(&window));
+}
+
 TEST_F(Window, ClosingItAsksTheExitCommand)
 {
     MainWindow window(form, frame, commands);
