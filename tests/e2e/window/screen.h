@@ -146,10 +146,10 @@ public:
         xdotool("type --clearmodifiers -- " + shellWord(text));
     }
     // At a place in the window in front.
-    static void click(int x, int y)
+    static void click(int x, int y, int times = 1)
     {
         xdotool("getactivewindow mousemove --window %1 " + std::to_string(x) + " " +
-                std::to_string(y) + " click 1");
+                std::to_string(y) + " click --repeat " + std::to_string(times) + " --delay 20 1");
     }
 
 private:
