@@ -30,7 +30,7 @@ Application::Application(const Ports& ports)
       treeForm(pathRule(ports.machine.fileSystem)),
       m_runner(
           trace, [this] { showRecords(); }, [] { QCoreApplication::exit(); }),
-      m_messageBoxes(ports.machine.messageBoxes, m_runner),
+      m_messageBoxes(ports.machine.messageBoxes, m_runner, [this] { showProgress(); }),
       m_messageLoop(ports.machine.messageLoop, m_runner, [this] { showProgress(); }),
       m_machine(with(ports.machine, m_messageLoop, m_messageBoxes)),
       m_commands(m_runner, m_messageBoxes), m_window(mainFrame, frame, m_commands),

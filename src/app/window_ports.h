@@ -6,14 +6,17 @@
 
 #include <functional>
 
+#include <QElapsedTimer>
+
 // The ports behind which an event loop runs while a handler waits: while it does, other handlers
 // run, and one of them may have ended the program. Each of these passes a call on and unwinds then.
 namespace vardelin::app {
 
 class UnwindingMessageBoxes final : public platform::MessageBoxes {
 public:
-    UnwindingMessageBoxes(platform::MessageBoxes& boxes, HandlerRunner& runner)
-        : m_boxes(boxes), m_runner(runner)
+    UnwindingMessageBoxes(platform::MessageBoxes& boxes, HandlerRunner& runner,
+                          std::function<void()> showViews)
+        : m_boxes(boxes), m_runner(runner), m_showViews(std::move(showViews))
     {
     }
     platform::Answer show(std::string_view text, std::string_view title, platform::Buttons buttons,
@@ -22,9 +25,11 @@ public:
 private:
     platform::MessageBoxes& m_boxes;
     HandlerRunner& m_runner;
+    std::function<void()> m_showViews; // what stands behind the box is as the handler left it
 };
 
-// Lets the views show how far the work is before input is handled.
+// Lets the views show how far the work is before input is handled, as often as a person can see:
+// a run yields for each file, and laying out its name takes longer than saving a small one.
 class UnwindingMessageLoop final : public platform::MessageLoop {
 public:
     UnwindingMessageLoop(platform::MessageLoop& loop, HandlerRunner& runner,
@@ -38,6 +43,7 @@ private:
     platform::MessageLoop& m_loop;
     HandlerRunner& m_runner;
     std::function<void()> m_showViews;
+    QElapsedTimer m_sinceShown;
 };
 
 } // namespace vardelin::app

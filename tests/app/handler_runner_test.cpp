@@ -1,6 +1,7 @@
 #include "app/handler_runner.h"
 #include "app/window_ports.h"
 #include "platform/memory/counting_message_loop.h"
+#include "platform/memory/scripted_message_boxes.h"
 #include "support/trace_rig.h"
 
 #include <stdexcept>
@@ -98,7 +99,7 @@ TEST_F(Runner, AQuestionDuringWhichTheProgramWasEndedHasNoAnswer)
         HandlerRunner& m_runner;
     };
     EndingBoxes asked(runner);
-    UnwindingMessageBoxes boxes(asked, runner);
+    UnwindingMessageBoxes boxes(asked, runner, [] {});
     bool saved = false;
     runner.run("outer", [&] {
         boxes.show("Do you want to Save the Profile?", "Vardelin", platform::Buttons::YesNo,
@@ -116,6 +117,29 @@ TEST_F(Runner, YieldingShowsTheRecordsFirst)
     loop.yield();
     EXPECT_EQ(shown, 1);
     EXPECT_EQ(inner.yields, 1U);
+}
+
+// A backup yields twice for each file: were each shown, small files would take three times as long.
+TEST_F(Runner, YieldingInARowShowsTheRecordsNowAndThenAndHandlesInputEachTime)
+{
+    constexpr int kFiles = 5000;
+    platform::CountingMessageLoop inner;
+    UnwindingMessageLoop loop(inner, runner, [this] { ++shown; });
+    for (int i = 0; i < kFiles; ++i)
+        loop.yield();
+    EXPECT_LT(shown, kFiles);
+    EXPECT_EQ(inner.yields, static_cast<std::size_t>(kFiles));
+}
+
+TEST_F(Runner, AQuestionComesUpInFrontOfWhatTheHandlerLeft)
+{
+    platform::ScriptedMessageBoxes asked;
+    std::size_t askedBefore = 1;
+    UnwindingMessageBoxes boxes(asked, runner, [&] { askedBefore = asked.shown.size(); });
+    boxes.show("Backup is completed successfully", "Vardelin", platform::Buttons::Ok,
+               platform::Icon::None);
+    EXPECT_EQ(askedBefore, 0U);
+    EXPECT_EQ(asked.shown.size(), 1U);
 }
 
 } // namespace
