@@ -10,9 +10,15 @@ if(TARGET vardelin)
     install(TARGETS vardelin RUNTIME DESTINATION .)
     # Played while a backup runs.
     install(FILES ${PROJECT_SOURCE_DIR}/assets/Compress_ani.gif DESTINATION .)
+    # The desktop's own part, below share as a desktop looks for it: a program for its menu, the type
+    # of profiles, and their icons. A desktop sees it once share is among its data folders, or copied
+    # to one of them; the program's entry names this folder, wherever it is copied to.
     install(FILES ${PROJECT_SOURCE_DIR}/assets/icons/vardelin.svg
-        DESTINATION share/icons/hicolor/scalable/apps)
-    # For a desktop's menu, to be copied or linked to where that one looks; it names this folder.
+        DESTINATION share/icons/hicolor/scalable/apps COMPONENT desktop)
+    install(FILES ${PROJECT_SOURCE_DIR}/assets/icons/application-x-vardelin-profile.svg
+        DESTINATION share/icons/hicolor/scalable/mimetypes COMPONENT desktop)
+    install(FILES ${PROJECT_SOURCE_DIR}/assets/desktop/vardelin.xml
+        DESTINATION share/mime/packages COMPONENT desktop)
     install(CODE [[
         file(WRITE "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/share/applications/vardelin.desktop"
 "[Desktop Entry]
@@ -23,8 +29,9 @@ Exec=\"${CMAKE_INSTALL_PREFIX}/vardelin\" %f
 Icon=${CMAKE_INSTALL_PREFIX}/share/icons/hicolor/scalable/apps/vardelin.svg
 Terminal=false
 Categories=Utility;Archiving;
+MimeType=application/x-vardelin-profile;
 ")
-    ]])
+    ]] COMPONENT desktop)
 endif()
 # The window starts them by the application folder that it finds itself in.
 install(TARGETS VDFileMon VDIdleMon VDScheduleMon RUNTIME DESTINATION .)

@@ -22,6 +22,7 @@ window_packages=(qt6-base-dev qt6-svg-dev)
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev clang clang-format clang-tidy
     acl attr e2fsprogs libcap2-bin xvfb xdotool openbox
+    desktop-file-utils libglib2.0-bin
 )
 # What draws the manual's pictures and the animation, which are kept with the sources.
 # shellcheck disable=SC2034

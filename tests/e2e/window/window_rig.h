@@ -99,12 +99,22 @@ protected:
         if (HasFailure())
             std::cerr << "the program printed:\n" << TempFolder::read(folder / "vardelin.log");
         screen.reset();
+        for (const pid_t id : programs())
+            ::kill(id, SIGTERM);
+    }
+    // The processes whose program lies in the application folder and has this name, if one is
+    // given.
+    std::vector<pid_t> programs(std::string_view name = {}) const
+    {
+        std::vector<pid_t> ids;
         for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
             std::error_code gone;
             const fs::path program = fs::read_symlink(entry.path() / "exe", gone);
-            if (!gone && program.string().starts_with(app + "/"))
-                ::kill(std::stoi(entry.path().filename().string()), SIGTERM);
+            if (!gone && program.string().starts_with(app + "/") &&
+                (name.empty() || program.filename() == name))
+                ids.push_back(std::stoi(entry.path().filename().string()));
         }
+        return ids;
     }
 
     Ran ctl(const std::vector<std::string>& arguments)
