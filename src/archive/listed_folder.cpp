@@ -14,7 +14,8 @@ using platform::FolderEntry;
 
 constexpr std::string_view kFull = "FULL";
 constexpr std::string_view kVersion = "VER";
-constexpr std::size_t kTagDigits = 3; // no tag asks for a number with more
+constexpr std::size_t kTagDigits = 3;  // no tag asks for a number with more
+constexpr std::size_t kMostGone = 256; // that a search passes over
 
 bool isDigit(char c)
 {
@@ -78,8 +79,23 @@ ListedFolder::ListedFolder(platform::FileSystem& fileSystem, std::string_view pa
         const auto first = m_backwards.begin() + static_cast<std::ptrdiff_t>(name.at);
         std::reverse(first, first + static_cast<std::ptrdiff_t>(name.length));
     }
-    for (std::size_t file = 0; file < m_files.size(); ++file)
+    m_pairs.reserve(m_files.size());
+    for (std::size_t file = 0; file < m_files.size(); ++file) {
         noteMarks(file);
+        m_pairs.push_back(pairsOf(upperName(file)));
+    }
+}
+
+ListedFolder::Pairs ListedFolder::pairsOf(std::string_view text)
+{
+    Pairs pairs;
+    for (std::size_t at = 1; at < text.size(); ++at) {
+        const auto first = static_cast<unsigned char>(text[at - 1]);
+        const auto second = static_cast<unsigned char>(text[at]);
+        const std::uint32_t bit = ((first * 256U + second) * 0x9e3779b1U) >> 25U;
+        pairs.bits[bit / 64U] |= std::uint64_t{1} << (bit % 64U);
+    }
+    return pairs;
 }
 
 std::string_view ListedFolder::name(std::size_t file) const
@@ -179,9 +195,13 @@ std::optional<std::size_t> ListedFolder::firstHolding(std::string_view base,
         }
         return std::nullopt;
     }
+    // Somebody may delete each of the hundred thousand files of a folder: what cannot hold the text
+    // is told by its pairs at a glance.
+    const Pairs pairs = pairsOf(upperBase);
     if (const auto* places = placesOf(upperMark)) {
         for (const Place& place : *places) {
-            if (!m_files[place.file].gone && holds(place.file, upperBase))
+            if (m_pairs[place.file].holds(pairs) && !m_files[place.file].gone &&
+                holds(place.file, upperBase))
                 return place.file;
         }
     }
@@ -201,6 +221,15 @@ void ListedFolder::remove(std::size_t file)
     m_folder->removeFile(name(file));
     m_files[file].gone = true;
     m_remaining -= m_files[file].own ? 0U : 1U;
+    if (++m_goneStill > kMostGone)
+        forgetGone();
+}
+
+void ListedFolder::forgetGone()
+{
+    for (auto& [mark, places] : m_places)
+        std::erase_if(places, [&](const Place& place) { return m_files[place.file].gone; });
+    m_goneStill = 0;
 }
 
 void ListedFolder::removeWhole()

@@ -2,6 +2,7 @@
 
 #include "platform/file_system.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -51,6 +52,16 @@ private:
         bool own = false; // temporary, or the folder's record
         bool gone = false;
     };
+    // A bit for each pair of bytes that a text holds; different pairs may share one. A text can be
+    // a part of another only where its bits are.
+    struct Pairs {
+        std::array<std::uint64_t, 2> bits{};
+        bool holds(const Pairs& part) const noexcept
+        {
+            return ((part.bits[0] & ~bits[0]) | (part.bits[1] & ~bits[1])) == 0;
+        }
+    };
+    static Pairs pairsOf(std::string_view text);
     // One place of a mark in a name.
     struct Place {
         std::uint32_t file = 0;
@@ -61,6 +72,7 @@ private:
     // What stands in front of a mark, from its end.
     std::string_view frontBackwards(const Place& place) const;
     void noteMarks(std::size_t file);
+    void forgetGone();
     // Every place where the name of a mark stands, in the order of the files; null for none.
     const std::vector<Place>* placesOf(const std::string& upperMark) const;
     const std::vector<Place>& byHead(const std::string& upperMark) const;
@@ -71,7 +83,9 @@ private:
     std::string m_upperNames;
     std::string m_backwards; // the same, each name from its end
     std::vector<Name> m_files;
+    std::vector<Pairs> m_pairs; // of the upper names, in step with m_files
     std::size_t m_remaining = 0;
+    std::size_t m_goneStill = 0; // files in m_places that are gone
     bool m_subfolders = false;
     std::unordered_map<std::string, std::vector<Place>> m_places;
     // The same places, sorted by what stands in front of them, read backwards; made on demand.

@@ -115,6 +115,24 @@ TEST(ListedFolder, ForgetsWhatWasRemoved)
     EXPECT_FALSE(rig.disk.folderExists(kFolder));
 }
 
+// Names that start alike and go one by one from the last to the first, as a deletion takes them.
+TEST(ListedFolder, FindsTheFirstOfManyWhileTheyGo)
+{
+    Folder rig;
+    constexpr std::size_t kFiles = 700;
+    for (std::size_t i = 0; i < kFiles; ++i)
+        rig.put("IMG_" + std::to_string(1000 + i) + "_FULL_x");
+    rig.put("other_FULL_x");
+    ListedFolder folder(rig.disk, kFolder);
+    for (std::size_t i = 0; i < kFiles; ++i) {
+        ASSERT_EQ(folder.firstHolding("img", "FULL"), i);
+        folder.remove(i);
+    }
+    EXPECT_EQ(folder.firstHolding("img", "FULL"), std::nullopt);
+    EXPECT_EQ(folder.firstHolding("Other", "FULL"), kFiles);
+    EXPECT_EQ(folder.firstHolding("o", "FULL"), kFiles) << "one letter has no pairs";
+}
+
 TEST(ListedFolder, FollowsALinkToAFile)
 {
     Folder rig;
