@@ -192,6 +192,18 @@ TEST(ReviewLoadUncompressed, TakesTheListAsTheBackupLeftIt)
     EXPECT_THAT(rig.shown(), ElementsAre("+Files And Folders", "+Other Data & Settings"));
 }
 
+// A group is what stands in front of the first backslash, in any case; only a list that somebody
+// wrote has others than ours.
+TEST(ReviewLoadUncompressed, ShowsEachGroupOnceInAnyCase)
+{
+    ReviewRig rig;
+    rig.profile.bCompressFiles = false;
+    rig.putFile(kReviewFiles, "MAIL\\C:\\a_000\r\nMail\\C:\\b_000\r\nmail\\C:\\c_000\r\n"
+                              "Files And Folders\\C:\\d_000\r\n");
+    rig.load();
+    EXPECT_THAT(rig.shown(), ElementsAre("+Files And Folders", "+MAIL"));
+}
+
 TEST(ReviewLoadUncompressed, ShowsNothingForAnEmptyList)
 {
     ReviewRig rig;

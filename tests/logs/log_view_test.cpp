@@ -136,6 +136,36 @@ TEST_F(LogView, AShortLineEndsItsFileAndNoOther)
     EXPECT_EQ(dialog.shown[0].txtSysErrNo.text, "9");
 }
 
+TEST_F(LogView, AShortLineOfARestoreAndAFileThatCannotBeReadAreReportedEach)
+{
+    put("C:\\App\\Log\\Restore\\a.txt", "A||D:\\x||d1||7\r\nA||D:\\x||d2\r\nA||D:\\x||d3||9\r\n");
+    put("C:\\App\\Log\\Restore\\b.txt", "B||D:\\x||d||1\r\n");
+    put("C:\\App\\Log\\Restore\\c.txt", "C||D:\\x||d||2\r\n");
+    disk.setUnreadable("C:\\App\\Log\\Restore\\b.txt");
+
+    mnuRestLog_Click(view);
+
+    EXPECT_THAT(rowsOf(form.lstRestoreLog), ElementsAre("A|D:\\x|d1|7|", "C|D:\\x|d|2|"));
+    std::vector<std::string> shown;
+    for (const auto& each : dialog.shown)
+        shown.push_back(each.txtSysErrNo.text + " " + each.txtProcName.text + ": " +
+                        each.txtInf.text);
+    EXPECT_THAT(shown, ElementsAre("9 ReadResLogFiles: Error in Creating Log File",
+                                   "70 ReadResLogFiles: Error in Creating Log File"));
+}
+
+// The folder goes between the look at it and the look into it.
+TEST_F(LogView, AFolderThatCannotBeListedIsReported)
+{
+    put("C:\\App\\Log\\Backup\\a.txt", "A||Full||d1||1||0\r\n");
+    disk.setUnreadable("C:\\App\\Log\\Backup");
+    mnuBackLog_Click(view);
+    ASSERT_EQ(dialog.shown.size(), 1U);
+    EXPECT_EQ(dialog.shown[0].txtProcName.text, "ViewBackUpLog");
+    EXPECT_EQ(dialog.shown[0].txtInf.text, "Error in Creating Log File");
+    EXPECT_TRUE(form.visible);
+}
+
 TEST_F(LogView, FillsAListAnewEachTime)
 {
     put("C:\\App\\Log\\Backup\\a.txt", "A||Full||d1||1||0\r\n");
@@ -211,9 +241,9 @@ TEST_F(LogView, TheReportOfARunIsFoundByItsName)
 TEST(LogFileSize, HasNoBlankBeforeItsUnit)
 {
     const std::pair<std::uint64_t, std::string_view> rows[] = {
-        {0, "0B"},           {1023, "1023B"},       {1024, "1KB"},    {1152, "1.12KB"},
-        {1536, "1.5KB"},     {1048575, "1024KB"},   {1048576, "1MB"}, {3145728, "3MB"},
-        {1181116, "1.13MB"}, {5368709120, "5120MB"}};
+        {0, "0B"},        {1023, "1023B"},     {1024, "1KB"},         {1152, "1.12KB"},
+        {1408, "1.38KB"}, {1536, "1.5KB"},     {1048575, "1024KB"},   {1048576, "1MB"},
+        {3145728, "3MB"}, {1181116, "1.13MB"}, {5368709120, "5120MB"}};
     for (const auto& [bytes, text] : rows)
         EXPECT_EQ(fileSizeText(bytes), text) << bytes;
 }
