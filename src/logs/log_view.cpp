@@ -29,6 +29,46 @@ void traced(LogViewContext& context, std::string_view procedure, std::string_vie
     trace::runTraced(context.trace, procedure, kModule, sentence, std::forward<Body>(body));
 }
 
+// The trace of the rows of one file: an entry is a write to the disk, and a queue may have 100,000
+// rows, so there is one for all of them when the last one is there.
+class RowTrace {
+public:
+    RowTrace(trace::RunTrace& trace, std::string_view procedure)
+        : m_trace(trace), m_procedure(procedure)
+    {
+    }
+    RowTrace(const RowTrace&) = delete;
+    RowTrace& operator=(const RowTrace&) = delete;
+    ~RowTrace()
+    {
+        try {
+            m_trace.WriteRunTraceTimes(m_procedure, "End", m_entries);
+        } catch (...) { // NOLINT(bugprone-empty-catch): a trace never stops what it follows
+        }
+    }
+
+    void row()
+    {
+        constexpr std::int32_t kEntriesOfARow = 2; // Start and End
+        m_entries += kEntriesOfARow;
+    }
+
+private:
+    trace::RunTrace& m_trace;
+    std::string_view m_procedure;
+    std::int32_t m_entries = 0;
+};
+
+constexpr std::string_view kBackupRow = "LoadBkpLV";
+constexpr std::string_view kRestoreRow = "LoadResLV";
+constexpr std::string_view kQueueRow = "LoadQLV";
+
+void addRow(LogViewContext& context, state::LogList& list, state::LogRow row)
+{
+    list.rows.push_back(std::move(row));
+    ++context.form.revision;
+}
+
 // The one list that shows, empty.
 void showOnly(LogViewContext& context, state::LogList& list, std::string_view help,
               std::string_view panel)
@@ -43,6 +83,15 @@ void showOnly(LogViewContext& context, state::LogList& list, std::string_view he
     form.loaded = true;
     form.visible = true;
     context.frame.panel1.text = panel;
+}
+
+state::LogRow queueRow(std::string_view name, std::string_view second, std::string_view third,
+                       std::string_view fourth)
+{
+    state::LogRow row{std::string(name), {std::string(second), std::string(third)}, {}};
+    if (!fourth.empty())
+        row.sub[2] = fourth;
+    return row;
 }
 
 using LogFiles = std::optional<std::vector<std::string>>;
@@ -99,9 +148,13 @@ void ViewRestoreLog(LogViewContext& context)
 void ReadLogFiles(LogViewContext& context, std::string_view fileName)
 {
     traced(context, "ReadLogFiles", texts::kLogFailed, [&] {
+        RowTrace rows(context.trace.trace, kBackupRow);
         readBackupLogFile(context.machine.fileSystem, fileName, [&](const BackupLine& line) {
-            LoadBkpLV(context, line.profileName, line.type, line.date, line.files, line.skipped,
-                      line.missedReport);
+            rows.row();
+            addRow(context, context.form.lstBackupLog,
+                   {line.profileName,
+                    {line.type, line.date, line.files, line.skipped},
+                    line.missedReport});
         });
     });
 }
@@ -109,8 +162,11 @@ void ReadLogFiles(LogViewContext& context, std::string_view fileName)
 void ReadResLogFiles(LogViewContext& context, std::string_view fileName)
 {
     traced(context, "ReadResLogFiles", texts::kLogFailed, [&] {
+        RowTrace rows(context.trace.trace, kRestoreRow);
         readRestoreLogFile(context.machine.fileSystem, fileName, [&](const RestoreLine& line) {
-            LoadResLV(context, line.profileName, line.restoredPath, line.date, line.files);
+            rows.row();
+            addRow(context, context.form.lstRestoreLog,
+                   {line.profileName, {line.restoredPath, line.date, line.files}, {}});
         });
     });
 }
@@ -124,13 +180,15 @@ void ViewQLog(LogViewContext& context)
             tell(context, texts::kNoQueueFile);
             return;
         }
+        RowTrace rows(context.trace.trace, kQueueRow);
         for (const QueuedFile& file : queue.files) {
             if (!file.exists)
                 continue;
-            LoadQLV(context, context.form.lstQLog, base::afterLast(file.path, "\\"),
-                    platform::parentOf(file.path),
-                    base::generalDate(context.machine.clock.toLocal(file.modifiedNs)),
-                    fileSizeText(file.sizeBytes));
+            rows.row();
+            addRow(context, context.form.lstQLog,
+                   queueRow(base::afterLast(file.path, "\\"), platform::parentOf(file.path),
+                            base::generalDate(context.machine.clock.toLocal(file.modifiedNs)),
+                            fileSizeText(file.sizeBytes)));
         }
         // Paths whose files have gone show nothing, but they are in the queue.
         if (queue.files.empty())
@@ -142,38 +200,31 @@ void LoadBkpLV(LogViewContext& context, std::string_view sFName, std::string_vie
                std::string_view sBkpDate, std::string_view sNoofFiles, std::string_view sSkipFiles,
                std::string_view report)
 {
-    traced(context, "LoadBkpLV", texts::kListFailed, [&] {
-        context.form.lstBackupLog.rows.push_back(
-            {std::string(sFName),
-             {std::string(sBkpTyp), std::string(sBkpDate), std::string(sNoofFiles),
-              std::string(sSkipFiles)},
-             std::string(report)});
-        ++context.form.revision;
+    traced(context, kBackupRow, texts::kListFailed, [&] {
+        addRow(context, context.form.lstBackupLog,
+               {std::string(sFName),
+                {std::string(sBkpTyp), std::string(sBkpDate), std::string(sNoofFiles),
+                 std::string(sSkipFiles)},
+                std::string(report)});
     });
 }
 
 void LoadResLV(LogViewContext& context, std::string_view sFName, std::string_view sBkpDes,
                std::string_view sBkpDate, std::string_view sNoofFiles)
 {
-    traced(context, "LoadResLV", texts::kListFailed, [&] {
-        context.form.lstRestoreLog.rows.push_back(
-            {std::string(sFName),
-             {std::string(sBkpDes), std::string(sBkpDate), std::string(sNoofFiles)},
-             {}});
-        ++context.form.revision;
+    traced(context, kRestoreRow, texts::kListFailed, [&] {
+        addRow(context, context.form.lstRestoreLog,
+               {std::string(sFName),
+                {std::string(sBkpDes), std::string(sBkpDate), std::string(sNoofFiles)},
+                {}});
     });
 }
 
 void LoadQLV(LogViewContext& context, state::LogList& sLvname, std::string_view sGen1,
              std::string_view sGen2, std::string_view sGen3, std::string_view sGen4)
 {
-    traced(context, "LoadQLV", texts::kListFailed, [&] {
-        state::LogRow row{std::string(sGen1), {std::string(sGen2), std::string(sGen3)}, {}};
-        if (!sGen4.empty())
-            row.sub[2] = sGen4;
-        sLvname.rows.push_back(std::move(row));
-        ++context.form.revision;
-    });
+    traced(context, kQueueRow, texts::kListFailed,
+           [&] { addRow(context, sLvname, queueRow(sGen1, sGen2, sGen3, sGen4)); });
 }
 
 std::string fileSizeText(std::uint64_t sizeBytes)

@@ -89,6 +89,30 @@ TEST_F(LogView, ShowsTheBackupsOfAllFilesInTheFoldersOrder)
     EXPECT_THAT(entries(), Contains("ReadLogFiles Start 1"));
 }
 
+// Each row is traced by its start and its end; one entry tells how often.
+TEST_F(LogView, TheRowsOfAFileAreTracedTogether)
+{
+    put("C:\\App\\Log\\Backup\\a.txt", "A||Full||d1||1||0\r\nA||Full||d2||2||0\r\nshort\r\n");
+    mnuBackLog_Click(view);
+    EXPECT_THAT(entries(), ElementsAre("ViewBackUpLog Start 1", "ReadLogFiles Start 1",
+                                       "LoadBkpLV End 4", "ReadLogFiles Error 1",
+                                       "DisplayErrMSgDialog End 2", "ViewBackUpLog End 1"));
+}
+
+TEST_F(LogView, ARowCanBeAddedByItself)
+{
+    LoadBkpLV(view, "A", "Full", "d", "1", "0", "r.txt");
+    LoadResLV(view, "A", "D:\\x", "d", "1");
+    LoadQLV(view, form.lstQLog, "a", "C:\\", "d", "1B");
+    LoadQLV(view, form.lstQLog, "a", "C:\\", "d", "");
+    EXPECT_THAT(rowsOf(form.lstBackupLog), ElementsAre("A|Full|d|1|0"));
+    EXPECT_EQ(form.lstBackupLog.rows[0].report, "r.txt");
+    EXPECT_THAT(rowsOf(form.lstRestoreLog), ElementsAre("A|D:\\x|d|1|"));
+    EXPECT_THAT(rowsOf(form.lstQLog), ElementsAre("a|C:\\|d|1B|", "a|C:\\|d||"));
+    EXPECT_EQ(form.revision, 4U);
+    EXPECT_THAT(entries(), ElementsAre("LoadBkpLV End 2", "LoadResLV End 2", "LoadQLV End 4"));
+}
+
 TEST_F(LogView, ShowsTheRestores)
 {
     put("C:\\App\\Log\\Restore\\a.txt", "A||Original Location||d1||7\r\nA||D:\\x||d2||8||more\r\n");
