@@ -51,7 +51,10 @@ bool askCancel(const BackupContext& context)
                                              platform::Icon::Question) == platform::Answer::Yes;
 }
 
-// What is left, if the run goes on as it went until now.
+// What is left, if the run goes on as it went until now. Files are of very different sizes: out of
+// the first few of many, hours are told of a run of minutes.
+constexpr double kKnownShare = 0.02;
+
 void tellTime(BackupContext& context)
 {
     state::frmCancel& form = context.form;
@@ -59,7 +62,8 @@ void tellTime(BackupContext& context)
         context.machine.clock.steady() - context.backup.started;
     form.elapsedSeconds = elapsed.count();
     const double share = form.pbBkp.maximum > 0 ? form.pbBkp.value / form.pbBkp.maximum : 0;
-    form.remainingSeconds = share > 0 ? form.elapsedSeconds * (1 - share) / share : 0;
+    const bool known = share >= kKnownShare;
+    form.remainingSeconds = known ? form.elapsedSeconds * (1 - share) / share : 0;
 }
 
 } // namespace

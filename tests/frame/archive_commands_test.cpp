@@ -494,6 +494,20 @@ TEST_F(ArchiveCommands, TheFormShowsNamesCountsAndTime)
     backUp();
 }
 
+// Out of the first few of many files, hours would be told of a run of minutes.
+TEST_F(ArchiveCommands, NoTimeLeftIsToldOutOfTheFirstFewFiles)
+{
+    engine.during = [&](engine::EngineEvents& events) {
+        engine.totalUnits = 1000;
+        clock.advance(std::chrono::seconds(10));
+        events.ProStatus(19);
+        EXPECT_EQ(cancel.remainingSeconds, 0);
+        events.ProStatus(1);
+        EXPECT_DOUBLE_EQ(cancel.remainingSeconds, 490);
+    };
+    backUp();
+}
+
 TEST_F(ArchiveCommands, CancelReachesTheEngineAtTheNextFileAndAsksOnce)
 {
     engine.during = [&](engine::EngineEvents& events) {
