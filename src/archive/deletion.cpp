@@ -279,9 +279,9 @@ void mnuDel_Click(ReviewContext& context)
         return;
     trace::runTraced(context.trace, kName, texts::kModule, trace::customMessage(kName), [&] {
         context.review.bDeleteDone = true;
-        const platform::Answer answer =
-            context.machine.messageBoxes.show(texts::kDeleteQuestion, texts::kTitle,
-                                              platform::Buttons::YesNo, platform::Icon::Question);
+        const platform::Answer answer = context.machine.messageBoxes.show(
+            texts::kDeleteQuestion, texts::kTitle, platform::Buttons::YesNo,
+            platform::Icon::Exclamation);
         if (answer == platform::Answer::Yes)
             RestoreDel(context);
     });

@@ -62,7 +62,13 @@ void WindowErrorDialog::showModal(frmErrLog& form)
         auto* label = new QLabel(shown(one.label));
         auto* widget = boxFor(kBoxNames[row], box, isLong(box, form) ? kLongLines : 1);
         label->setBuddy(widget);
-        grid->addWidget(label, row, 0, Qt::AlignTop);
+        if (isLong(box, form)) {
+            // Level with the first line.
+            label->setContentsMargins(0, kBoxMargin / 2, 0, 0);
+            grid->addWidget(label, row, 0, Qt::AlignTop);
+        } else {
+            grid->addWidget(label, row, 0, Qt::AlignVCenter);
+        }
         grid->addWidget(widget, row, 1);
         ++row;
     }

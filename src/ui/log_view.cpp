@@ -23,7 +23,7 @@ namespace {
 
 namespace texts = logs::texts;
 
-constexpr int kCellRoom = 10;     // pixels that a cell has beside its text
+constexpr int kCellRoom = 2;      // pixels that a heading has beside what it needs
 constexpr int kNameLetters = 22;  // the width of a first column that does not stretch
 constexpr int kLeastLetters = 14; // the least width of the column that stretches
 constexpr int kDateColumn = 2;
@@ -145,9 +145,13 @@ void LogView::showAll()
     for (const List& list : m_lists) {
         if (isNew)
             list.model->refresh();
+        const bool comes = list.record->visible && list.table->isHidden();
         list.table->setVisible(list.record->visible);
         if (list.record->visible)
             setFocusProxy(list.table);
+        // The keyboard may have been in the list that went.
+        if (comes)
+            list.table->setFocus();
     }
     const state::LogList& backups = m_form.lstBackupLog;
     if (backups.visible)

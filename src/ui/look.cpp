@@ -4,6 +4,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QProxyStyle>
@@ -76,10 +77,32 @@ public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override
     {
-        // A desktop's pictures on OK and Cancel are of another make than ours.
-        return hint == SH_DialogButtonBox_ButtonsHaveIcons
-                   ? 0
-                   : QProxyStyle::styleHint(hint, option, widget, data);
+        switch (hint) {
+        case SH_DialogButtonBox_ButtonsHaveIcons:
+            return 0; // a desktop's pictures on OK and Cancel are of another make than ours
+        case SH_DialogButtonLayout:
+            return QDialogButtonBox::WinLayout; // the order of our own forms
+        default:
+            return QProxyStyle::styleHint(hint, option, widget, data);
+        }
+    }
+
+    // In our icons' style, in place of pictures that come with the toolkit.
+    QIcon standardIcon(StandardPixmap picture, const QStyleOption* option,
+                       const QWidget* widget) const override
+    {
+        switch (picture) {
+        case SP_MessageBoxQuestion:
+            return QIcon(QStringLiteral(":/icons/message-question.svg"));
+        case SP_MessageBoxInformation:
+            return QIcon(QStringLiteral(":/icons/message-information.svg"));
+        case SP_MessageBoxWarning:
+            return QIcon(QStringLiteral(":/icons/message-warning.svg"));
+        case SP_MessageBoxCritical:
+            return QIcon(QStringLiteral(":/icons/message-critical.svg"));
+        default:
+            return QProxyStyle::standardIcon(picture, option, widget);
+        }
     }
 
     int pixelMetric(PixelMetric metric, const QStyleOption* option,

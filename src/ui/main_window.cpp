@@ -239,8 +239,8 @@ void MainWindow::showRecords()
     // What is done leaves its bar full until the next work begins: nobody waits for it any more.
     if (share >= 1 && !m_form.commandRunning)
         share = 0;
-    // An empty bar where nothing runs looks like a box to write in.
-    m_progress->setVisible(m_form.commandRunning || share > 0);
+    // An empty bar looks like a box to write in.
+    m_progress->setVisible(share > 0);
     m_progress->setRange(0, kProgressSteps);
     m_progress->setValue(static_cast<int>(share * kProgressSteps));
 }

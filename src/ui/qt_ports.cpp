@@ -58,6 +58,12 @@ Answer QtMessageBoxes::show(std::string_view text, std::string_view title, Butto
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout()))
         grid->addItem(new QSpacerItem(box.fontMetrics().averageCharWidth() * kLeastLetters, 0),
                       grid->rowCount(), 0, 1, grid->columnCount());
+    // What cannot be taken back is not agreed to by a key too many. Which button Enter means
+    // otherwise differs between desktops.
+    if (buttons == Buttons::YesNo)
+        box.setDefaultButton(icon == Icon::Exclamation ? QMessageBox::No : QMessageBox::Yes);
+    else
+        box.setDefaultButton(QMessageBox::Ok);
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::Yes;

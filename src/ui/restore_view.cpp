@@ -11,10 +11,12 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableView>
 #include <QTextCharFormat>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace vardelin::ui {
@@ -24,6 +26,24 @@ constexpr int kWatchMs = 100;
 constexpr int kBoxLetters = 44; // the width of the location's box, in letters
 constexpr int kCalendarLetters = 48;
 constexpr int kBarSteps = 10000; // the record's bar moves by fractions
+
+// An arrow head in a calendar's line of the month, in its letters' colour.
+QIcon arrowHead(const QWidget& calendar, bool isLeft)
+{
+    const int side = calendar.fontMetrics().height();
+    QPixmap picture(QSize(side, side) * calendar.devicePixelRatioF());
+    picture.setDevicePixelRatio(calendar.devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(calendar.palette().color(QPalette::HighlightedText), side / 9.0,
+                        Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    const double tip = side * (isLeft ? 0.36 : 0.64);
+    const double back = side * (isLeft ? 0.6 : 0.4);
+    painter.drawPolyline(QPolygonF({{back, side * 0.22}, {tip, side * 0.5}, {back, side * 0.78}}));
+    painter.end();
+    return picture;
+}
 
 } // namespace
 
@@ -134,6 +154,13 @@ ByDateView::ByDateView(state::frmByDate& form, ByDateHandlers handlers, QWidget*
     // Red days of the style's own are not readable on a dark ground, and mean nothing here.
     for (const auto day : {Qt::Saturday, Qt::Sunday})
         calendar->setWeekdayTextFormat(day, QTextCharFormat());
+    for (const bool isLeft : {true, false}) {
+        auto* button =
+            calendar->findChild<QToolButton*>(isLeft ? QStringLiteral("qt_calendar_prevmonth")
+                                                     : QStringLiteral("qt_calendar_nextmonth"));
+        if (button != nullptr)
+            button->setIcon(arrowHead(*calendar, isLeft));
+    }
     calendar->setMinimumWidth(calendar->fontMetrics().averageCharWidth() * kCalendarLetters);
     connect(calendar, &QCalendarWidget::selectionChanged, this, [this, calendar, &form] {
         const QDate day = calendar->selectedDate();

@@ -17,6 +17,7 @@ namespace {
 constexpr int kGap = 5;              // pixels between the parts
 constexpr double kButton = 0.75;     // of the letters' height
 constexpr int kLeastLetters = 14;    // of a name that are seen, however deep it stands
+constexpr int kLevels = 12;          // that are told apart in a narrow column
 constexpr double kFrameShare = 0.45; // of the ground in a button's frame
 
 void drawButton(QPainter& painter, const QRect& place, state::RowButton button,
@@ -49,7 +50,9 @@ ReviewParts partsOf(const QRect& cell, int level, const QFontMetrics& metrics)
     const int fixed = kGap + side + kGap + icon + kGap;
     const int least = metrics.averageCharWidth() * kLeastLetters;
     const int room = std::max(0, cell.width() - fixed - least);
-    const int left = cell.left() + kGap + std::min(level * (side + kGap), room);
+    // In a narrow column the steps are smaller, so that a row is still seen to stand in another.
+    const int step = std::min(side + kGap, room / kLevels);
+    const int left = cell.left() + kGap + std::min(level * step, room);
     const int middle = cell.top() + cell.height() / 2;
     ReviewParts parts;
     parts.button = {left, middle - side / 2, side, side};
@@ -68,14 +71,6 @@ void ReviewDelegate::paint(QPainter* painter, const QStyleOptionViewItem& given,
     const QStyle& style = widget != nullptr ? *widget->style() : *QApplication::style();
     const auto group =
         option.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
-    if (index.column() != ReviewModel::kName) {
-        // Figures that end at their column's edge would run into the next one.
-        style.drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter, widget);
-        QStyleOptionViewItem apart = given;
-        apart.rect.adjust(0, 0, -2 * kGap, 0);
-        QStyledItemDelegate::paint(painter, apart, index);
-        return;
-    }
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     const ReviewParts parts =
         partsOf(option.rect, index.data(ReviewModel::kLevelRole).toInt(), option.fontMetrics);

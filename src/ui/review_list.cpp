@@ -27,9 +27,7 @@ constexpr int kLeastRows = 10;   // that are seen at once
 ReviewList::ReviewList(const state::frmVDStorage& form, QWidget* parent)
     : QTableView(parent), m_form(form)
 {
-    auto* delegate = new ReviewDelegate(this);
-    setItemDelegateForColumn(ReviewModel::kName, delegate);
-    setItemDelegateForColumn(ReviewModel::kSize, delegate);
+    setItemDelegateForColumn(ReviewModel::kName, new ReviewDelegate(this));
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
     setShowGrid(false);

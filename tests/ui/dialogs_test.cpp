@@ -96,6 +96,16 @@ TEST(MessageBoxes, AShortTextHasRoomAndNoForeignPictures)
     boxes.show("Invalid Password", "Vardelin", Buttons::Ok, Icon::None);
 }
 
+TEST(MessageBoxes, OnlyAWarningIsNotAgreedToByEnter)
+{
+    for (const Icon icon : {Icon::Question, Icon::Exclamation}) {
+        QtMessageBoxes boxes;
+        whenShown([](QDialog& window) { QTest::keyClick(&window, Qt::Key_Return); });
+        EXPECT_EQ(boxes.show("Really?", "Vardelin", Buttons::YesNo, icon),
+                  icon == Icon::Question ? Answer::Yes : Answer::No);
+    }
+}
+
 TEST(MessageBoxes, AClosedQuestionIsNotAgreedTo)
 {
     QtMessageBoxes boxes;

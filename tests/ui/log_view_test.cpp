@@ -107,6 +107,7 @@ TEST_F(Log, EachListHasItsColumnsAndOneShows)
     EXPECT_FALSE(table(view, "lstBackupLog").isVisible());
     EXPECT_FALSE(table(view, "lstRestoreLog").isVisible());
     EXPECT_TRUE(table(view, "lstQLog").isVisible());
+    EXPECT_TRUE(table(view, "lstQLog").hasFocus()) << "the keyboard is in the list that came";
     EXPECT_EQ(column(table(view, "lstQLog"), 1), Texts{"C:\\"});
     EXPECT_TRUE(control<QLabel>(view, "lblHelp").text().startsWith("Queue log displays"));
     EXPECT_TRUE(control<QLabel>(view, "lblGeneral").text().startsWith("Log displays the status"));

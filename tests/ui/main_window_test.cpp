@@ -108,7 +108,7 @@ TEST_F(Window, AFullBarStandsOnlyWhileACommandRuns)
     EXPECT_EQ(bar->value(), 0);
 }
 
-// Where nothing runs it would look like a box to write in.
+// Empty it would look like a box to write in.
 TEST_F(Window, TheBarIsSeenOnlyWhileThereIsSomethingToTell)
 {
     MainWindow window(form, frame, commands);
@@ -116,11 +116,13 @@ TEST_F(Window, TheBarIsSeenOnlyWhileThereIsSomethingToTell)
     frame.pb.maximum = 100;
     window.showRecords();
     EXPECT_FALSE(bar->isVisibleTo(&window));
-    form.commandRunning = true;
+    frame.pb.value = 40;
     window.showRecords();
     EXPECT_TRUE(bar->isVisibleTo(&window));
-    form.commandRunning = false;
-    frame.pb.value = 40;
+    frame.pb.value = 100;
+    window.showRecords();
+    EXPECT_FALSE(bar->isVisibleTo(&window));
+    form.commandRunning = true;
     window.showRecords();
     EXPECT_TRUE(bar->isVisibleTo(&window));
 }

@@ -520,6 +520,12 @@ TEST(ReviewParts, DeepRowsKeepRoomForTheirNames)
     EXPECT_LT(third.text.left(), deepest.text.left());
     EXPECT_GE(deepest.text.width(), metrics.averageCharWidth() * 13);
     EXPECT_TRUE(cell.contains(deepest.text));
+    // In a narrow column, too, a row is seen to stand in another.
+    const QRect narrow(0, 0, metrics.averageCharWidth() * 30, 25);
+    for (int level = 0; level < 11; ++level)
+        EXPECT_GT(partsOf(narrow, level + 1, metrics).button.left(),
+                  partsOf(narrow, level, metrics).button.left() + 3)
+            << level;
 }
 
 class ReviewLooks : public Review {};
