@@ -65,13 +65,27 @@ void unload(ReviewContext& context, std::string_view reason)
     context.form.loaded = false;
 }
 
+// Whether a folder holds nothing but the file that stands for its lock, as it does on network
+// drives once a run was there.
+bool holdsNothing(platform::FileSystem& files, const std::string& folder)
+{
+    const auto entries = files.openFolder(folder)->list();
+    return std::all_of(entries.begin(), entries.end(), [](const platform::FolderEntry& entry) {
+        return entry.name == platform::kLockFileName;
+    });
+}
+
 // Not under a run that has made the folder and looks for its first file.
 void removeEmpty(platform::FileSystem& files, const std::string& root)
 {
     std::unique_ptr<platform::FolderLock> lock;
     base::PendingError held;
-    if (held.attempt([&] { lock = files.lockFolder(root); }))
-        files.removeFolder(root);
+    if (!held.attempt([&] { lock = files.lockFolder(root); }) || !holdsNothing(files, root))
+        return;
+    const std::string lockFile = platform::joinPath(root, platform::kLockFileName);
+    if (files.fileExists(lockFile))
+        files.removeFile(lockFile);
+    files.removeFolder(root);
 }
 
 // Whether there is an archive to walk; the person has been told where there is none.
@@ -83,7 +97,7 @@ bool findArchive(ReviewContext& context)
         unload(context, texts::kNoArchive);
         return false;
     }
-    if (files.openFolder(root)->list().empty()) {
+    if (holdsNothing(files, root)) {
         removeEmpty(files, root);
         unload(context, texts::kEmptyArchive);
         return false;

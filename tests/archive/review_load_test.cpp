@@ -153,6 +153,38 @@ TEST(ReviewLoad, DeletesAnArchiveWithNothingInIt)
     EXPECT_TRUE(rig.disk.folderExists("D:\\Backup"));
 }
 
+// A network drive keeps the file by which a run had locked the folder.
+TEST(ReviewLoad, DeletesAnArchiveWithTheFileOfItsLockAlone)
+{
+    for (const bool before : {true, false}) {
+        ReviewRig rig;
+        const std::string lockFile = ReviewRig::inArchive(platform::kLockFileName);
+        if (before)
+            rig.putFile(lockFile, "");
+        else
+            rig.script.onCallsNamed("fs.lockFolder", [&](const platform::CallScript::Call&) {
+                rig.putFile(lockFile, "");
+            });
+        rig.load();
+        EXPECT_EQ(rig.messageBoxes.texts().size(), 1U) << before;
+        EXPECT_FALSE(rig.form.loaded) << before;
+        EXPECT_FALSE(rig.inStore("")) << before;
+        EXPECT_THAT(rig.errorsShown(), IsEmpty()) << before;
+    }
+}
+
+// The first file of a run comes between the look at the folder and its lock.
+TEST(ReviewLoad, LeavesAnArchiveThatIsNotEmptyAnyMore)
+{
+    ReviewRig rig;
+    rig.script.onCallsNamed(
+        "fs.lockFolder", [&](const platform::CallScript::Call&) { rig.put({"C\\a.txt_FULL_1"}); });
+    rig.load();
+    EXPECT_TRUE(rig.inStore("C\\a.txt_FULL_1"));
+    EXPECT_FALSE(rig.form.loaded);
+    EXPECT_THAT(rig.errorsShown(), IsEmpty());
+}
+
 // A run has made it and looks for its first file, maybe started by a timetable.
 TEST(ReviewLoad, LeavesAnEmptyArchiveToTheRunThatHoldsIt)
 {
