@@ -377,6 +377,16 @@ TEST_F(ReviewInFront, OfAnUncompressedArchiveShowsItsOwnFiles)
     EXPECT_TRUE(rig.errorDialog.shown.empty());
 }
 
+TEST_F(ReviewInFront, GoesWithTheLogsWhereTheProfileIsClosed)
+{
+    run("mnuBackLog");
+    ASSERT_TRUE(parts().logForm.loaded);
+    run("mnuClose");
+    EXPECT_FALSE(parts().logForm.loaded || parts().storage.loaded || parts().reviewIsOpen);
+    EXPECT_FALSE(isInFront() ||
+                 rig.find<QWidget>("lstBackupLog").isVisibleTo(&rig.program->window()));
+}
+
 // The editor may be in front, and what it holds may be refused.
 TEST_F(ReviewInFront, StaysBehindTheEditorWhereItsCommandStops)
 {

@@ -236,6 +236,17 @@ TEST(ReviewLoadUncompressed, ShowsEachGroupOnceInAnyCase)
     EXPECT_THAT(rig.shown(), ElementsAre("+Files And Folders", "+MAIL"));
 }
 
+// Without a line that can be read there are no files to show, and the settings stand alone.
+TEST(ReviewLoadUncompressed, ShowsSettingsAloneBesideOddLines)
+{
+    ReviewRig rig;
+    rig.profile.bCompressFiles = false;
+    rig.put({"OtherData\\IE Favorites\\"});
+    rig.putFile(kReviewFiles, "Files And Folders\\C:\\b.txt_1234\r\n");
+    rig.load();
+    EXPECT_THAT(rig.shown(), ElementsAre("+Other Data & Settings"));
+}
+
 TEST(ReviewLoadUncompressed, ShowsNothingForAnEmptyList)
 {
     ReviewRig rig;
