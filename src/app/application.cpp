@@ -95,7 +95,6 @@ void Application::showFrame()
     if (shows && !m_editorShown)
         m_profileView->setFocus();
     m_editorShown = shows;
-    archive.showRecords();
     showBackup();
 }
 
@@ -130,12 +129,14 @@ void Application::showBackup()
 void Application::showProgress()
 {
     showFrame();
+    archive.showProgress();
     m_profileView->showReading();
 }
 
 void Application::showRecords()
 {
     showFrame();
+    archive.showRecords();
     m_profileView->setEnabled(mainFrame.editorEnabled);
     m_profileView->showRecords();
 }

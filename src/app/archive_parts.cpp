@@ -202,11 +202,23 @@ void ArchiveParts::showEditor()
 
 void ArchiveParts::showRecords()
 {
+    showForms();
+    m_reviewView->showRecord();
+    m_logView->showRecord();
+}
+
+void ArchiveParts::showProgress()
+{
+    showForms();
+    m_reviewView->showProgress();
+    m_logView->showRecord();
+}
+
+void ArchiveParts::showForms()
+{
     m_window.showForm(*m_reviewView, storage.loaded && storage.visible);
     m_window.showForm(*m_logView, logForm.loaded && logForm.visible);
     enableReview();
-    m_reviewView->showRecord();
-    m_logView->showRecord();
 }
 
 // With the frame, of whose commands a run leaves none. The keyboard comes back to the rows.

@@ -50,8 +50,9 @@ public:
     void unloadReview();
     void unloadLogs();
 
-    // The views show their records.
+    // The views show their records, behind a handler and while one lets events through.
     void showRecords();
+    void showProgress();
 
     archive::ReviewState review;
     state::frmVDStorage storage;
@@ -70,6 +71,7 @@ private:
     // A handler of the views, unless a command or another one runs.
     template <typename Body>
     void runAlone(const char* name, Body&& body);
+    void showForms();
     void enableReview();
     template <typename Command>
     void runLogs(Command command);

@@ -227,6 +227,12 @@ void ReviewView::closeEvent(QCloseEvent* event)
 
 // ---- showing the record
 
+void ReviewView::showProgress()
+{
+    const QScopedValueRollback inProgress(m_inProgress, true);
+    m_binder.show();
+}
+
 void ReviewView::showAll()
 {
     m_heading->showCaption(m_form.caption);
@@ -243,10 +249,11 @@ void ReviewView::showAll()
                 QItemSelectionModel::NoUpdate);
         return anyChange;
     }();
-    if (!m_form.busy)
+    const bool settled = !m_form.busy && !m_inProgress;
+    if (settled)
         showSelection();
     showView();
-    if (changed || !m_form.busy)
+    if (changed || settled)
         m_countLater.start(0);
     if (!m_form.loaded && isVisible())
         hide();

@@ -51,6 +51,9 @@ public:
 
     // Shows the record as it stands.
     void showRecord() { m_binder.show(); }
+    // The same while a handler of whatever form lets events through, many times in a second: what
+    // is selected shows behind it, since to see that takes a look at every row.
+    void showProgress();
 
     ReviewList& list() { return *m_list; }
 
@@ -85,6 +88,7 @@ private:
     QProgressBar* m_bar = nullptr;
     std::optional<std::size_t> m_acted; // the row, from 0, that is being opened or closed
     bool m_showing = false;
+    bool m_inProgress = false;
 };
 
 } // namespace vardelin::ui

@@ -133,6 +133,22 @@ protected:
 
 using Keys = std::vector<std::string>;
 
+// While a backup names a thousand files a second nobody can look at each row for each of them.
+TEST_F(Review, ProgressShowsTheRowsAndLeavesTheSelectionToTheEnd)
+{
+    present();
+    open({"Files And Folders", "C:\\"});
+    form.lstRestore[0].selected = true;
+    view->showProgress();
+    EXPECT_TRUE(drawn().empty());
+    form.lstRestore.pop_back();
+    ++form.rowsRevision;
+    view->showProgress();
+    EXPECT_EQ(rows(), static_cast<int>(form.lstRestore.size()));
+    view->showRecord();
+    EXPECT_EQ(drawn(), std::vector<std::string>{"Files And Folders"});
+}
+
 TEST_F(Review, ShowsTheFiveColumnsOfEveryRow)
 {
     present();
