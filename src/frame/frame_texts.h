@@ -38,6 +38,11 @@ inline constexpr std::string_view kLossyLine = "The profile is saved, but line "
 inline constexpr std::string_view kLossyLines = "The profile is saved, but lines ";
 inline constexpr std::string_view kLossyLineEnd =
     " of its file cannot be kept exactly. Open the profile again and check it.";
+inline constexpr std::string_view kHelpMissingStart = "The help file ";
+inline constexpr std::string_view kHelpMissingEnd =
+    " is missing. Install Vardelin anew to get it back; your profiles and logs stay as they are.";
+inline constexpr std::string_view kNoHelpViewer =
+    "No program was found that shows the help. Open this file in a web browser: "; // and its path
 
 // ---- panel 1
 inline constexpr std::string_view kNewWindow = "New Profile Window";

@@ -1,8 +1,11 @@
 #include "frame/window_commands.h"
 
+#include "base/runtime_error.h"
 #include "editor/source_tree.h"
 #include "frame/command.h"
+#include "frame/frame_texts.h"
 #include "frame/main_frame.h"
+#include "frame/steps.h"
 #include "platform/help_viewer.h"
 
 #include <string>
@@ -38,9 +41,16 @@ void mnuContents_Click(FrameContext& context)
         const platform::HelpViewer viewer = platform::helpViewer();
         const std::string file =
             platform::joinPath(context.profiles.frame.ST_App_Path, viewer.file);
-        if (!machine.fileSystem.fileExists(file))
-            throw base::RuntimeError(base::error_number::kFileNotFound, file);
-        machine.processes.start(viewer.program, {machine.fileSystem.toNative(file)});
+        // The error form would tell neither the file nor what to do about it.
+        const std::string native = machine.fileSystem.toNative(file);
+        if (!machine.fileSystem.fileExists(file)) {
+            refuse(context, std::string(frame_texts::kHelpMissingStart) + native +
+                                std::string(frame_texts::kHelpMissingEnd));
+            return;
+        }
+        base::PendingError noViewer;
+        if (!noViewer.attempt([&] { machine.processes.start(viewer.program, {native}); }))
+            refuse(context, std::string(frame_texts::kNoHelpViewer) + native);
     });
 }
 

@@ -12,8 +12,8 @@ void mnuProfile_Click(FrameContext& context);
 void mnuExpand_Click(FrameContext& context);
 void mnuCollapse_Click(FrameContext& context);
 
-// Shows the help with the program that the system has for it; a missing file or program is shown
-// as an error.
+// Shows the help with the program that the system has for it; a missing file or program is told in
+// a message that names the file.
 void mnuContents_Click(FrameContext& context);
 void mnuAbout_Click(FrameContext& context);
 

@@ -23,7 +23,6 @@ CompressPicture::CompressPicture(const std::string& picture, QWidget* parent) : 
     m_movie.setDevice(&m_bytes);
     connect(&m_movie, &QMovie::updated, this, qOverload<>(&QWidget::update));
     m_plays = m_movie.jumpToFrame(0) && !m_movie.currentImage().isNull();
-    connect(&m_movie, &QMovie::error, this, &QWidget::hide);
 }
 
 QSize CompressPicture::sizeHint() const

@@ -14,8 +14,8 @@ class CompressPicture final : public QWidget {
     Q_OBJECT
 
 public:
-    // The bytes of a GIF. Where they are damaged or none, nothing plays, and the widget has
-    // no size; damage further on hides it when it is met.
+    // The bytes of a GIF. Where they are none or damaged at their beginning, nothing plays,
+    // and the widget has no size; damage further on ends the picture there.
     explicit CompressPicture(const std::string& picture, QWidget* parent = nullptr);
 
     bool plays() const { return m_plays; }

@@ -58,22 +58,31 @@ TEST(WindowCommands, TheHelpOpensInTheDesktopsBrowser)
     EXPECT_TRUE(rig.dialog.shown.empty());
 }
 
-TEST(WindowCommands, AMissingHelpFileIsAnError)
+TEST(WindowCommands, AMissingHelpFileIsNamed)
 {
     FrameRig rig;
     mnuContents_Click(rig.commands);
     EXPECT_TRUE(rig.processes.started.empty());
-    EXPECT_EQ(rig.errorsShown(), std::vector<std::string>{"mnuContents_Click: mnuContents_Click"});
-    EXPECT_EQ(rig.errors.LG_Err_Number, 53);
+    EXPECT_EQ(rig.messageBoxes.texts(),
+              std::vector<std::string>{"The help file " +
+                                       rig.disk.toNative("C:\\App\\Help\\VardelinHelp.html") +
+                                       " is missing. Install Vardelin anew to get it back; your "
+                                       "profiles and logs stay as they are."});
+    EXPECT_TRUE(rig.dialog.shown.empty());
+    EXPECT_FALSE(rig.mainForm.commandRunning);
 }
 
-TEST(WindowCommands, AMissingBrowserIsAnError)
+TEST(WindowCommands, WithoutABrowserThePersonLearnsWhatToOpen)
 {
     FrameRig rig;
     rig.put({"C:\\App\\Help\\VardelinHelp.html"});
     rig.processes.missing.insert("xdg-open");
     mnuContents_Click(rig.commands);
-    EXPECT_EQ(rig.errors.LG_Err_Number, 53);
+    EXPECT_EQ(rig.messageBoxes.texts(),
+              std::vector<std::string>{"No program was found that shows the help. Open this file "
+                                       "in a web browser: " +
+                                       rig.disk.toNative("C:\\App\\Help\\VardelinHelp.html")});
+    EXPECT_TRUE(rig.dialog.shown.empty());
     EXPECT_FALSE(rig.mainForm.commandRunning);
 }
 
