@@ -13,7 +13,7 @@ readonly root
 build_packages=(
     build-essential cmake ninja-build pkg-config ccache
     libzstd-dev libsodium-dev libxxhash-dev libsqlite3-dev libfmt-dev libcli11-dev
-    nlohmann-json3-dev libarchive-dev shared-mime-info zstd
+    nlohmann-json3-dev libarchive-dev shared-mime-info zstd cmark-gfm
 )
 # What the window takes; nothing else needs Qt.
 # shellcheck disable=SC2034
@@ -28,6 +28,7 @@ test_packages=(
 # shellcheck disable=SC2034
 picture_packages=(
     xvfb xdotool openbox imagemagick pngquant librsvg2-bin gifsicle bubblewrap fonts-noto-core
+    x11-utils procps
 )
 
 # A heading between the steps of a script; bold on a terminal.

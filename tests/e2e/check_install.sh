@@ -50,8 +50,20 @@ rm -rf "$app"
 cmake --install "$build" --prefix "$app" > /dev/null
 for folder in Profiles Data Log/Backup Log/Restore Queue BackupPackages Help; do
     [ -d "$app/$folder" ] || fail "no folder $folder"
-    [ "$folder" = Data ] || [ -z "$(ls -A "$app/$folder")" ] || fail "$folder is not empty"
+    case $folder in
+    Data | Help) ;;
+    *) [ -z "$(ls -A "$app/$folder")" ] || fail "$folder is not empty" ;;
+    esac
 done
+if [ -d "$build/help" ]; then
+    cmp -s "$build/help/VardelinHelp.html" "$app/Help/VardelinHelp.html" || fail "no help"
+    # What its pages show and lead to has come along; names there hold no blanks.
+    links=$(grep -Eho '(href|src)="[^"#]+' "$app"/Help/*.html | sed 's/.*="//' | sort -u)
+    [ "$(echo "$links" | wc -l)" -gt 20 ] || fail "the help leads nowhere"
+    for link in $links; do
+        [ -s "$app/Help/$link" ] || fail "$link of the help is missing"
+    done
+fi
 [ -x "$app/vardelinctl" ] || fail "no program in the root"
 [ ! -x "$build/src/app/vardelin" ] || [ -x "$app/vardelin" ] || fail "no window in the root"
 if [ -x "$app/vardelin" ]; then
