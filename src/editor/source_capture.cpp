@@ -78,7 +78,7 @@ private:
     void unreadDrive(const TreeNode& drive);
     void firstLevel(TreeNode& node);
     void below(TreeNode& node);
-    void walkUnread(TreeNode& node);
+    void unreadFolder(TreeNode& node);
     void advanceBar();
 
     EditorContext& m_context;
@@ -158,10 +158,7 @@ void Capture::firstLevel(TreeNode& node)
     if (node.children() == 0) {
         addFolderLine(node);
     } else if (isUnread(node)) {
-        if (isGreen(node))
-            addFolderLine(node);
-        else if (isPurple(node))
-            walkUnread(node);
+        unreadFolder(node);
     } else if (hasSingleLeaf(node)) {
         // The first level lists the leaf itself, even where it is a folder.
         if (node.child()->checked)
@@ -175,11 +172,15 @@ void Capture::firstLevel(TreeNode& node)
     }
 }
 
-void Capture::walkUnread(TreeNode& node)
+void Capture::unreadFolder(TreeNode& node)
 {
-    setExpanded(m_context, node, true);
-    walkBelow(m_tree.indexOf(node));
-    setExpanded(m_context, node, false);
+    if (isGreen(node)) {
+        addFolderLine(node);
+    } else if (isPurple(node)) {
+        setExpanded(m_context, node, true);
+        walkBelow(m_tree.indexOf(node));
+        setExpanded(m_context, node, false);
+    }
 }
 
 void Capture::walkBelow(std::size_t index)
@@ -210,10 +211,7 @@ void Capture::below(TreeNode& node)
         else
             add(node.fullPath());
     } else if (isUnread(node)) {
-        if (isGreen(node))
-            addFolderLine(node);
-        else if (isPurple(node))
-            walkUnread(node);
+        unreadFolder(node);
     } else if (hasSingleLeaf(node)) {
         // Unlike the first level, the folder itself.
         if (node.child()->checked)

@@ -34,9 +34,8 @@ inline constexpr std::string_view kStillReading =
 inline constexpr std::string_view kBackUpAgain =
     "It is advisable to execute the backup to save the latest changed Profile.";
 // Lines of a profile's file whose bytes the scrambled form cannot hold.
-inline constexpr std::string_view kLossyLine = "The profile is saved, but line ";
-inline constexpr std::string_view kLossyLines = "The profile is saved, but lines ";
-inline constexpr std::string_view kLossyLineEnd =
+inline constexpr std::string_view kLossyStart = "The profile is saved, but ";
+inline constexpr std::string_view kLossyEnd =
     " of its file cannot be kept exactly. Open the profile again and check it.";
 inline constexpr std::string_view kHelpMissingStart = "The help file ";
 inline constexpr std::string_view kHelpMissingEnd =

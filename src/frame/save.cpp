@@ -5,6 +5,7 @@
 #include "frame/save_file.h"
 #include "frame/steps.h"
 #include "profile/list_file.h"
+#include "profile/scramble_text.h"
 #include "runs/space_check.h"
 
 #include <algorithm>
@@ -22,7 +23,6 @@ namespace texts = frame_texts;
 
 constexpr std::string_view kEditSaveMode = "EditSaveMode";
 constexpr std::string_view kExtension = ".vdp";
-constexpr std::size_t kLinesTold = 20;
 
 // The pointer's hourglass, down to the end of a save.
 class FrameHourglass {
@@ -127,19 +127,11 @@ void takeFlagsBack(FrameContext& context, bool hideFrame14, const SavePause& pau
 
 // No failure: the profile is saved, and these lines alone are not what they were. By number only,
 // for one of them may be the password.
-void tellLossyLines(FrameContext& context, std::vector<std::size_t> lines)
+void tellLossyLines(FrameContext& context, const std::vector<std::size_t>& lines)
 {
-    if (lines.empty())
-        return;
-    std::string numbers;
-    const std::size_t more = lines.size() - std::min(lines.size(), kLinesTold);
-    lines.resize(lines.size() - more);
-    numbers = fmt::format("{}", fmt::join(lines, ", "));
-    if (more > 0)
-        numbers += fmt::format(" and {} more", more);
-    refuse(context,
-           fmt::format("{}{}{}", lines.size() == 1 ? texts::kLossyLine : texts::kLossyLines,
-                       numbers, texts::kLossyLineEnd));
+    if (!lines.empty())
+        refuse(context, fmt::format("{}{}{}", texts::kLossyStart, profile::lineNumbersText(lines),
+                                    texts::kLossyEnd));
 }
 
 void makePrimary(FrameContext& context, const std::string& name)

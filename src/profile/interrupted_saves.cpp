@@ -219,19 +219,11 @@ std::vector<FinishedSave> finishInterruptedSaves(FileSystem& fileSystem, std::st
 
 std::string lossyLinesText(const FinishedSave& save)
 {
-    constexpr std::size_t kLinesTold = 20;
     if (save.lossyLines.empty())
         return {};
-    const std::size_t told = std::min(save.lossyLines.size(), kLinesTold);
-    const std::vector<std::size_t> numbers(
-        save.lossyLines.begin(), save.lossyLines.begin() + static_cast<std::ptrdiff_t>(told));
-    const std::size_t more = save.lossyLines.size() - told;
-    return fmt::format("The saving of {} was cut off and is finished now, but {} {}{} of it cannot "
-                       "be kept as {}.",
-                       save.name, save.lossyLines.size() == 1 ? "line" : "lines",
-                       fmt::join(numbers, ", "),
-                       more > 0 ? fmt::format(" and {} more", more) : std::string(),
-                       save.lossyLines.size() == 1 ? "it was" : "they were");
+    return fmt::format("The saving of {} was cut off and is finished now, but {} of it cannot be "
+                       "kept exactly. Open the profile and check it.",
+                       save.name, lineNumbersText(save.lossyLines));
 }
 
 } // namespace vardelin::profile

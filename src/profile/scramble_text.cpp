@@ -4,11 +4,14 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 namespace vardelin::profile {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kHighestCode = 255;
+constexpr std::size_t kLinesTold = 20; // more would fill the screen
 
 std::size_t code(char c)
 {
@@ -103,6 +106,14 @@ std::vector<std::size_t> lossyLines(std::string_view plainText)
             lossy.push_back(number);
     }
     return lossy;
+}
+
+std::string lineNumbersText(std::span<const std::size_t> numbers)
+{
+    const auto told = numbers.first(std::min(numbers.size(), kLinesTold));
+    const std::size_t more = numbers.size() - told.size();
+    return fmt::format("{} {}{}", numbers.size() == 1 ? "line" : "lines", fmt::join(told, ", "),
+                       more > 0 ? fmt::format(" and {} more", more) : std::string());
 }
 
 } // namespace vardelin::profile

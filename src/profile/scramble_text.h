@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,5 +38,7 @@ std::vector<std::string_view> fileLines(std::string_view text);
 // The numbers, from 1, of the lines that scrambling and unscrambling would not bring back as they
 // are: those with a byte at the stop, and those whose scrambled form would hold a line end.
 std::vector<std::size_t> lossyLines(std::string_view plainText);
+// Such numbers in a sentence: `line 3`, `lines 3, 4`, `lines 1, 2, (...) and 7 more`.
+std::string lineNumbersText(std::span<const std::size_t> numbers);
 
 } // namespace vardelin::profile

@@ -145,8 +145,9 @@ TEST(MDIForm_Load, TellsTheLinesThatTheFinishedSaveCouldNotKeep)
     rig.putFile(rig.pathOf("Work.vdp"), plain);
     rig.recent("Work.vdp");
     rig.start();
-    EXPECT_THAT(rig.messages(), ElementsAre("The saving of Work.vdp was cut off and is finished "
-                                            "now, but line 3 of it cannot be kept as it was."));
+    EXPECT_THAT(rig.messages(),
+                ElementsAre("The saving of Work.vdp was cut off and is finished now, but line 3 of "
+                            "it cannot be kept exactly. Open the profile and check it."));
 }
 
 // ---- the splash

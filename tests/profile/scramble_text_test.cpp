@@ -121,6 +121,14 @@ TEST(ScrambleText, NamesTheLinesThatDoNotComeBack)
         EXPECT_EQ(lossyLines(row.text), row.lines) << row.why;
 }
 
+TEST(ScrambleText, LineNumbersReadAsPartOfASentence)
+{
+    EXPECT_EQ(lineNumbersText(std::vector<std::size_t>{3}), "line 3");
+    EXPECT_EQ(lineNumbersText(std::vector<std::size_t>{3, 14}), "lines 3, 14");
+    EXPECT_EQ(lineNumbersText(std::vector<std::size_t>(22, 7)),
+              "lines 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7 and 2 more");
+}
+
 TEST(ScrambleText, RoundTripIsExactForEveryTextThatIsNotNamedLossy)
 {
     std::mt19937 random(7);
