@@ -14,6 +14,7 @@
 #include <QAction>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -28,7 +29,7 @@ protected:
 
     void run(const char* command) { rig.find<QAction>(command).trigger(); }
 
-    // As soon as the form of this name is in front, a person does this in it.
+    // As soon as the form of this name is in front, a person does this in it, which ends it.
     void inForm(const char* name, std::function<void(QWidget&)> act)
     {
         auto* timer = new QTimer(&m_stage);
@@ -43,7 +44,13 @@ protected:
                                  timer->stop();
                                  timer->deleteLater();
                                  --m_awaited;
+                                 const QPointer<QWidget> form = front;
                                  act(*front);
+                                 // A story that left it open would never go on.
+                                 if (form && form->isVisible()) {
+                                     ADD_FAILURE() << name << " is still open";
+                                     form->close();
+                                 }
                              } else if (waited.elapsed() > kLongest) {
                                  timer->deleteLater();
                                  --m_awaited;
@@ -63,6 +70,13 @@ protected:
         return *widget;
     }
     static void click(QWidget& form, const char* name) { in<QAbstractButton>(form, name).click(); }
+
+    static void type(QWidget& form, const char* box, const std::string& text)
+    {
+        auto& edit = in<QLineEdit>(form, box);
+        edit.selectAll();
+        QTest::keyClicks(&edit, QString::fromStdString(text));
+    }
 
     // The row of a path of this machine in the tree, every folder above it opened.
     QModelIndex rowOf(const std::string& native)
