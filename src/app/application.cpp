@@ -1,6 +1,7 @@
 #include "app/application.h"
 
 #include "app/editor_handlers.h"
+#include "ui/archive_form_handlers.h"
 #include "ui/frame_form_handlers.h"
 
 #include <QCoreApplication>
@@ -108,20 +109,8 @@ void Application::showBackup()
     }
     if (!cancelForm.loaded)
         return;
-    m_cancelView = new ui::CancelView(
-        cancelForm,
-        {.cmdCancel_Click =
-             [this] {
-                 m_runner.run("cmdCancel_Click", [this] { runs::cmdCancel_Click(m_backup); });
-             },
-         .Form_QueryUnload =
-             [this] {
-                 bool closes = false;
-                 m_runner.run("Form_QueryUnload",
-                              [&] { closes = runs::Form_QueryUnload(m_backup); });
-                 return closes;
-             }},
-        &m_window);
+    m_cancelView =
+        new ui::CancelView(cancelForm, ui::cancelHandlers(m_backup, hooks().run), &m_window);
     m_cancelView->setAttribute(Qt::WA_DeleteOnClose);
     m_cancelView->show();
 }

@@ -1,12 +1,14 @@
 #include "app/archive_parts.h"
 
-#include "archive/deletion.h"
 #include "archive/paced_loop.h"
 #include "base/runtime_error.h"
 #include "frame/command.h"
 #include "frame/window_commands.h"
+#include "ui/archive_form_handlers.h"
 #include "ui/log_view.h"
 #include "ui/review_view.h"
+
+#include <utility>
 
 namespace vardelin::app {
 namespace {
@@ -51,46 +53,23 @@ ArchiveParts::ArchiveParts(profile::ProfileContext& profiles, ui::MainWindow& wi
 {
     // As the commands of the main frame: none inside another one. Rows that a restore goes through,
     // or that are being made, must not go away meanwhile, and a backup has the archive to itself.
-    const auto handler = [this](const char* name, auto body) {
-        return [this, name, body] { runAlone(name, body); };
-    };
-    m_reviewView = new ui::ReviewView(
-        storage, profiles.frame.pb,
-        {.rowButtonClicked =
-             [this](std::size_t row) {
-                 runAlone("lstRestore_MouseDown",
-                          [&] { archive::rowButtonClicked(m_review, row); });
-             },
-         .rowsRightClicked =
-             [this] {
-                 bool opens = false;
-                 runAlone("lstRestore_MouseDown",
-                          [&] { opens = archive::rowsRightClicked(m_review); });
-                 return opens;
-             },
-         .mnuByDate_Click =
-             handler("mnuByDate_Click", [this] { runs::mnuByDate_Click(m_restore); }),
-         .mnuAsOf_Click = handler("mnuAsOf_Click", [this] { runs::mnuAsOf_Click(m_restore); }),
-         .mnuDel_Click = handler("mnuDel_Click", [this] { archive::mnuDel_Click(m_review); }),
-         .Form_Unload = [this] { close(&ArchiveParts::closeReview); }},
-        &profiles.machine.shell);
-    m_logView =
-        new ui::LogView(logForm, {.lstBackupLog_DblClick =
-                                      [this](const state::LogRow& row) {
-                                          std::string text;
-                                          m_runner.run("lstBackupLog_DblClick", [&] {
-                                              text = logs::missedReportText(m_logs, row);
-                                          });
-                                          return text;
-                                      },
-                                  .Form_Unload = [this] { close(&ArchiveParts::closeLogs); }});
+    ui::ReviewHandlers rows =
+        ui::reviewHandlers(m_review, m_restore, [this](const char* name, const ui::Handler& body) {
+            runAlone(name, body);
+        });
+    rows.Form_Unload = [this] { close(&ArchiveParts::closeReview); };
+    m_reviewView =
+        new ui::ReviewView(storage, profiles.frame.pb, std::move(rows), &profiles.machine.shell);
+    ui::LogHandlers records = ui::logHandlers(
+        m_logs, [this](const char* name, const ui::Handler& body) { m_runner.run(name, body); });
+    records.Form_Unload = [this] { close(&ArchiveParts::closeLogs); };
+    m_logView = new ui::LogView(logForm, std::move(records));
     for (QWidget* const view :
          {static_cast<QWidget*>(m_reviewView), static_cast<QWidget*>(m_logView)})
         window.addForm(view);
 }
 
-template <typename Body>
-void ArchiveParts::runAlone(const char* name, Body&& body)
+void ArchiveParts::runAlone(const char* name, const ui::Handler& body)
 {
     if (m_frame->main.commandRunning)
         return;

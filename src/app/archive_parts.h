@@ -69,8 +69,7 @@ private:
     void showEditor();
     void close(void (ArchiveParts::*form)());
     // A handler of the views, unless a command or another one runs.
-    template <typename Body>
-    void runAlone(const char* name, Body&& body);
+    void runAlone(const char* name, const ui::Handler& body);
     void showForms();
     void enableReview();
     template <typename Command>
