@@ -72,6 +72,13 @@ Application::Application(const Ports& ports)
     m_startUpWindow.attach(m_startUp);
 }
 
+// A window that goes hides what is on it, and views look at their records while that happens: some
+// of these go before the window does.
+Application::~Application()
+{
+    m_window.hide();
+}
+
 ui::WindowHooks Application::hooks()
 {
     return {.run = [this](const char* name, const ui::Handler& body) { m_runner.run(name, body); },

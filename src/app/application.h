@@ -44,7 +44,7 @@ public:
     explicit Application(const Ports& ports);
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
-    ~Application() = default;
+    ~Application();
 
     // Puts the splash up, from which everything else follows. `commandLine` is one path in drive
     // form, or empty. False where the program is to end at once, of which the person was told.
