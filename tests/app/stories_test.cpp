@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
@@ -78,6 +79,25 @@ TEST_F(Stories, TheFirstStartShowsTheDefaultProfileAndASavedOneComesBack)
     EXPECT_TRUE(isTicked(rig.folder / "sources/letters"));
     EXPECT_FALSE(isTicked(rig.folder / "backups"));
     EXPECT_FALSE(rig.program->frame.BL_Edit_Changed);
+    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(Stories, WhatIsTickedAndSavedIsBackedUpAndNothingElse)
+{
+    rig.folder.write("beside/three.txt", "not ticked\n");
+    rig.start();
+    saveNew("Papers");
+    rig.messageBoxes.shown.clear();
+    run("mnuBackup");
+    EXPECT_EQ(lastMessage(), "Backup is completed successfully");
+    std::vector<std::string> copies;
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(rig.folder / "backups/Papers/C")) {
+        const std::string name = entry.path().filename();
+        if (const std::size_t mark = name.find("_FULL_"); mark != std::string::npos)
+            copies.push_back(name.substr(0, mark));
+    }
+    EXPECT_THAT(copies, testing::UnorderedElementsAre("one.txt", "two.raw"));
     EXPECT_EQ(errors(), "");
 }
 
