@@ -60,11 +60,19 @@ QVariant ListModel::data(const QModelIndex& index, int role) const
         return {};
     case Qt::DecorationRole:
         if (index.column() == 0 && !row.icon.empty())
-            return QIcon::fromTheme(shown(row.icon));
+            return iconOf(row.icon);
         return {};
     default:
         return {};
     }
+}
+
+QIcon ListModel::iconOf(const std::string& name) const
+{
+    const auto [place, isNew] = m_icons.try_emplace(name);
+    if (isNew)
+        place->second = QIcon::fromTheme(shown(name));
+    return place->second;
 }
 
 bool ListModel::setData(const QModelIndex& index, const QVariant& value, int role)

@@ -3,6 +3,8 @@
 #include "state/controls.h"
 
 #include <functional>
+#include <string>
+#include <unordered_map>
 
 #include <QAbstractTableModel>
 #include <QIcon>
@@ -34,11 +36,16 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
+    QIcon iconOf(const std::string& name) const;
+
     state::ListBox& m_list;
     Tick m_tick;
     QStringList m_columns;
     std::function<void(std::size_t)> m_ticked;
     qsizetype m_shownRows = 0;
+    // A look-up goes through all folders of the theme, and one that finds nothing is not remembered
+    // by the toolkit: a thousand kinds of files took half a minute on some desktops.
+    mutable std::unordered_map<std::string, QIcon> m_icons;
 };
 
 } // namespace vardelin::ui

@@ -20,6 +20,7 @@
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTabWidget>
 #include <QTimeEdit>
 #include <QTreeView>
@@ -115,10 +116,15 @@ QWidget* ProfileForm::filesPage()
     extensions->setRootIsDecorated(false);
     extensions->setUniformRowHeights(true);
     extensions->header()->setSectionsClickable(true);
-    extensions->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_binder.checkList(*extensions, m_record.lstInclude,
                        {QStringLiteral("File Extensions"), QStringLiteral("Type")},
                        m_handlers.lstInclude_ItemCheck);
+    // Made for the heading with a box and an icon in front: as wide as its contents it would
+    // measure a thousand rows, their icons included, whenever a record is shown.
+    const QStyle& style = *extensions->style();
+    extensions->header()->resizeSection(0, extensions->header()->sectionSizeHint(0) +
+                                               style.pixelMetric(QStyle::PM_IndicatorWidth) +
+                                               style.pixelMetric(QStyle::PM_SmallIconSize));
     connect(extensions->header(), &QHeaderView::sectionClicked, this, [this](int column) {
         m_binder.run([&] {
             if (m_handlers.lstInclude_ColumnClick)
