@@ -16,6 +16,14 @@ std::int16_t narrowed(int number)
     return static_cast<std::int16_t>(number);
 }
 
+// The description with the thing that it is about, which the number alone does not tell.
+std::string described(const base::PendingError& error)
+{
+    if (error.subject.empty() || error.description.find(error.subject) != std::string::npos)
+        return error.description;
+    return error.description + ": " + error.subject;
+}
+
 } // namespace
 
 const std::array<ErrorBox, 9> kErrorBoxes{{
@@ -91,7 +99,7 @@ void errorTail(TraceContext& context, const TailNames& names, const base::Pendin
     record.ST_Err_Proc_Name = names.procedureField;
     record.ST_Err_Custom_Msg = names.customMessage;
     record.LG_Err_Number = error.number;
-    record.ST_Err_Description = error.description;
+    record.ST_Err_Description = described(error);
     context.trace.WriteRunTrace(names.traceName, "Error", true);
     DisplayErrMSgDialog(context, record.ST_Err_Type, record.ST_Err_Custom_Msg, record.LG_Err_Number,
                         record.ST_Err_Description, names.module, record.ST_Err_Proc_Name);

@@ -106,9 +106,9 @@ struct TailNames {
     std::string_view customMessage;
 };
 
-// The tail of a procedure: does nothing for a number of 0 or below; otherwise fills the record,
-// traces "Error" and shows the dialog. Raises overflow (6) and throws ExitRequested as
-// DisplayErrMSgDialog does.
+// The tail of a procedure: does nothing for a number of 0 or below; otherwise fills the record with
+// the description and, behind a colon, the subject, traces "Error" and shows the dialog. Raises
+// overflow (6) and throws ExitRequested as DisplayErrMSgDialog does.
 void errorTail(TraceContext& context, const TailNames& names, const base::PendingError& error);
 
 // Runs a procedure's body between its Start and End; a RuntimeError ends in the tail, which leaves

@@ -360,7 +360,9 @@ TEST(ReviewFiles, EndInTheTailAtANameThatCannotBeCut)
     EXPECT_EQ(review.rig.errors.LG_Err_Number, 5);
     EXPECT_EQ(review.rig.errors.ST_Err_Proc_Name, "WritingFileFromClxn");
     EXPECT_EQ(review.rig.errors.ST_Err_Custom_Msg, "WritingFileFromClxn");
-    EXPECT_EQ(review.rig.errors.ST_Err_Description, "Invalid procedure call or argument");
+    EXPECT_THAT(review.rig.errors.ST_Err_Description,
+                testing::AllOf(testing::StartsWith("Invalid procedure call or argument: "),
+                               testing::HasSubstr("Version.txt")));
     EXPECT_THAT(review.rig.entries(), testing::Contains("WritingFileFromClxn Error 2"));
 }
 

@@ -183,11 +183,35 @@ TEST(RunTraced, AnErrorLeavesNoEndAndTheCallerGoesOn)
     EXPECT_TRUE(wentOn);
     EXPECT_EQ(result, 8) << "a result stays what it was when the error struck";
     ASSERT_EQ(rig.dialog.shown.size(), 1U);
-    EXPECT_EQ(rig.dialog.shown.front().txtSysErrMsg.text, "File not found");
+    EXPECT_EQ(rig.dialog.shown.front().txtSysErrMsg.text, "File not found: C:\\x");
     EXPECT_EQ(rig.dialog.shown.front().txtModName.text, "modPrSaveOpen");
     // Start and Error of one name in a row share a record.
     EXPECT_THAT(rig.entries(), ElementsAre("Outer Start 1", "Inner Error 2",
                                            "DisplayErrMSgDialog End 2", "Outer End 1"));
+}
+
+// A description that names the thing already says it once.
+TEST(ErrorTail, NamesTheThingBehindTheDescription)
+{
+    struct Case {
+        const char* description;
+        const char* subject;
+        const char* shown;
+    };
+    for (const Case& c :
+         {Case{"Permission denied", "C:\\data\\report.doc",
+               "Permission denied: C:\\data\\report.doc"},
+          Case{"Permission denied", "", "Permission denied"},
+          Case{"Disk full: C:\\x (no space)", "C:\\x", "Disk full: C:\\x (no space)"}}) {
+        TraceRig rig;
+        base::PendingError error;
+        error.number = error_number::kPermissionDenied;
+        error.description = c.description;
+        error.subject = c.subject;
+        errorTail(rig.context, {"Save", "Save", "MDIForm", "Save"}, error);
+        ASSERT_EQ(rig.dialog.shown.size(), 1U);
+        EXPECT_EQ(rig.dialog.shown.front().txtSysErrMsg.text, c.shown);
+    }
 }
 
 TEST(RunTraced, AnOverflowInATailEndsInTheCallersTail)
@@ -199,7 +223,7 @@ TEST(RunTraced, AnOverflowInATailEndsInTheCallersTail)
     ASSERT_EQ(rig.dialog.shown.size(), 1U);
     EXPECT_EQ(rig.dialog.shown.front().txtProcName.text, "Outer");
     EXPECT_EQ(rig.dialog.shown.front().txtSysErrNo.text, "6");
-    EXPECT_EQ(rig.dialog.shown.front().txtSysErrMsg.text, "Overflow");
+    EXPECT_EQ(rig.dialog.shown.front().txtSysErrMsg.text, "Overflow: 40000");
 }
 
 TEST(RunTraced, ExitPassesThroughEveryCallerWithoutATrace)
