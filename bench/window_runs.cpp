@@ -1,5 +1,6 @@
 #include "app/application.h"
 #include "platform/linux/linux_machine.h"
+#include "platform/memory/memory_desktop_types.h"
 #include "platform/memory/memory_instance_lock.h"
 #include "platform/memory/memory_processes.h"
 #include "ui/qt_ports.h"
@@ -102,10 +103,20 @@ public:
     }
 };
 
+// What the program writes for the desktop, such as the documents used last, is not the person's.
+platform::DesktopFolders desktopBeside(const std::string& appFolder)
+{
+    platform::DesktopFolders folders = platform::DesktopFolders::ofThisUser();
+    folders.home = appFolder + "/home";
+    folders.config = folders.home + "/.config";
+    folders.data.front() = folders.home + "/.local/share";
+    return folders;
+}
+
 class Program {
 public:
     Program(const std::string& appFolder, const std::string& profile)
-        : m_machine(appFolder, m_boxes, m_loop)
+        : m_machine(appFolder, m_boxes, m_loop, desktopBeside(appFolder))
     {
         const platform::Machine real = m_machine.machine();
         m_program = std::make_unique<app::Application>(
@@ -113,6 +124,7 @@ public:
                         m_processes, real.clock, real.messageLoop, real.messageBoxes},
                        m_errors,
                        m_instance,
+                       m_desktop,
                        m_machine.appPath()});
         if (!m_program->start(real.fileSystem.fromNative(profile)))
             throw std::runtime_error(m_boxes.last);
@@ -207,6 +219,7 @@ private:
     ui::QtMessageLoop m_loop;
     platform::MemoryProcesses m_processes; // no monitor is started
     platform::MemoryInstanceLock m_instance;
+    platform::MemoryDesktopTypes m_desktop;
     FailingDialog m_errors;
     platform::LinuxMachine m_machine;
     std::unique_ptr<app::Application> m_program;

@@ -10,9 +10,10 @@ if(TARGET vardelin)
     install(TARGETS vardelin RUNTIME DESTINATION .)
     # Played while a backup runs.
     install(FILES ${PROJECT_SOURCE_DIR}/assets/Compress_ani.gif DESTINATION .)
-    # The desktop's own part, below share as a desktop looks for it: a program for its menu, the type
-    # of profiles, and their icons. A desktop sees it once share is among its data folders, or copied
-    # to one of them; the program's entry names this folder, wherever it is copied to.
+    # The desktop's own part for all persons, below share as a desktop looks for it: a program for its
+    # menu, the type of profiles, and their icons. A desktop sees it once share is among its data
+    # folders, or copied to one of them; the program's entry names this folder, wherever it is copied
+    # to. A person alone needs none of it: the program itself tells the desktop at its start.
     install(FILES ${PROJECT_SOURCE_DIR}/assets/icons/vardelin.svg
         DESTINATION share/icons/hicolor/scalable/apps COMPONENT desktop)
     install(FILES ${PROJECT_SOURCE_DIR}/assets/icons/application-x-vardelin-profile.svg

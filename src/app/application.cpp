@@ -52,7 +52,8 @@ Application::Application(const Ports& ports)
       m_frame{m_profiles, m_opening, m_form, m_schedules, mainFrame, m_frameWindow},
       m_backup{m_machine,  trace,  frame,
                cancelForm, backup, runs::engineBackup(m_machine, ports.appPath)},
-      m_startUp{m_frame, splash, ports.instance, m_startUpWindow, services, nullptr, ports.appPath}
+      m_startUp{m_frame, splash, ports.instance, m_startUpWindow, services, nullptr, ports.appPath},
+      m_desktop(ports.desktop)
 {
     m_window.addForm(m_profileView);
     m_commands.attach(m_frame, m_backup, archive);
@@ -88,7 +89,7 @@ ui::WindowHooks Application::hooks()
 
 bool Application::start(std::string_view commandLine)
 {
-    m_fileTypes.emplace(m_profiles, std::string(commandLine));
+    m_fileTypes.emplace(m_profiles, m_desktop, std::string(commandLine));
     m_startUp.fileTypes = &*m_fileTypes;
     bool goesOn = false;
     const bool done = m_runner.run("Main", [&] { goesOn = frame::Main(m_startUp, commandLine); });

@@ -9,6 +9,7 @@
 #include "editor/life_cycle.h"
 #include "frame/frame_context.h"
 #include "frame/start_up.h"
+#include "platform/desktop_types.h"
 #include "profile/editor_lists.h"
 #include "profile/opening.h"
 #include "runs/backup_run.h"
@@ -34,6 +35,7 @@ struct Ports {
     platform::Machine machine;
     trace::ErrorDialog& errorDialog;
     platform::InstanceLock& instance;
+    platform::DesktopTypes& desktop;
     std::string appPath; // the application folder in drive form, no backslash at the end
 };
 
@@ -118,6 +120,7 @@ private:
     runs::BackupContext m_backup;
     QPointer<ui::CancelView> m_cancelView; // while a backup is on show
     frame::StartUpContext m_startUp;
+    platform::DesktopTypes& m_desktop;
     std::optional<shell::RegistryFileTypes> m_fileTypes; // once the command line is known
 };
 

@@ -1,5 +1,6 @@
 #include "app/application.h"
 #include "app/guarded_application.h"
+#include "platform/linux/linux_desktop_types.h"
 #include "platform/linux/linux_instance_lock.h"
 #include "platform/linux/linux_machine.h"
 #include "ui/error_form.h"
@@ -51,7 +52,10 @@ int run(int argc, char** argv)
     const std::string folder = platform::executableFolder();
     platform::LinuxMachine machine(folder, messageBoxes, messageLoop);
     platform::LinuxInstanceLock instance(platform::windowLockFile(folder));
-    app::Application application({machine.machine(), errorDialog, instance, machine.appPath()});
+    platform::LinuxDesktopTypes desktop(platform::DesktopFolders::ofThisUser(),
+                                        platform::executablePath(), machine.machine().processes);
+    app::Application application(
+        {machine.machine(), errorDialog, instance, desktop, machine.appPath()});
     messageBoxes.setParent(&application.window());
     errorDialog.setParent(&application.window());
     qt.setRunner(&application.runner());

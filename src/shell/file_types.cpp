@@ -83,8 +83,9 @@ void save(profile::ProfileContext& context, std::string_view procedure, Registry
 
 } // namespace
 
-RegistryFileTypes::RegistryFileTypes(profile::ProfileContext& context, std::string commandLine)
-    : m_context(context), m_commandLine(std::move(commandLine))
+RegistryFileTypes::RegistryFileTypes(profile::ProfileContext& context,
+                                     platform::DesktopTypes& desktop, std::string commandLine)
+    : m_context(context), m_desktop(desktop), m_commandLine(std::move(commandLine))
 {
 }
 
@@ -102,8 +103,20 @@ void RegistryFileTypes::ActivateForIcon()
                            (row.inAppFolder ? m_context.frame.ST_App_Path : std::string())
                                .append(row.data));
         }
+        tellDesktop();
         m_context.frame.BL_Reg_Write_Failed = false;
     });
+}
+
+// The program works without: a person who starts it wants to see profiles, not why a menu lacks it.
+void RegistryFileTypes::tellDesktop()
+{
+    base::PendingError untold;
+    untold.attempt([&] { m_desktop.registerProgram(); });
+    if (untold)
+        m_context.trace.trace.WriteRunTrace("Desktop: " +
+                                                std::string(base::afterLast(untold.subject, "/")),
+                                            "Error", true, untold.description);
 }
 
 void RegistryFileTypes::noteDocument()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/desktop_types.h"
 #include "platform/registry.h"
 #include "profile/profile_context.h"
 
@@ -26,21 +27,25 @@ public:
 
 class RegistryFileTypes final : public FileTypes {
 public:
-    // The context outlives this object. `commandLine` is the whole of it as one path in drive form,
-    // empty where there are no arguments.
-    RegistryFileTypes(profile::ProfileContext& context, std::string commandLine);
+    // The context and the desktop outlive this object. `commandLine` is the whole of it as one path
+    // in drive form, empty where there are no arguments.
+    RegistryFileTypes(profile::ProfileContext& context, platform::DesktopTypes& desktop,
+                      std::string commandLine);
 
     // Runs at every start. A document on the command line is opened under file number 1, stays open
     // until a profile is unscrambled, and is noted among the person's recent documents; one that
     // cannot be opened ends in the error dialog, and nothing is written. `%1` alone, as a broken
     // binding gives it, is no document. Then the classes are written; those that are there already
-    // cost no write. Clears BL_Reg_Write_Failed at its end.
+    // cost no write. Behind them the desktop is told; where that fails, the trace alone says so.
+    // Clears BL_Reg_Write_Failed at its end.
     void ActivateForIcon() override;
 
 private:
     void noteDocument();
+    void tellDesktop();
 
     profile::ProfileContext& m_context;
+    platform::DesktopTypes& m_desktop;
     std::string m_commandLine;
 };
 

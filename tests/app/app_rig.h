@@ -2,6 +2,7 @@
 
 #include "app/application.h"
 #include "platform/linux/linux_machine.h"
+#include "platform/memory/memory_desktop_types.h"
 #include "platform/memory/memory_instance_lock.h"
 #include "platform/memory/memory_processes.h"
 #include "platform/memory/scripted_file_system.h"
@@ -43,6 +44,7 @@ struct AppRig {
     ui::QtMessageLoop messageLoop;
     platform::MemoryProcesses processes; // no monitor is started
     platform::MemoryInstanceLock instance;
+    platform::MemoryDesktopTypes desktopTypes; // the desktop of who runs the tests is not told
     ScriptedErrorDialog errorDialog;
     std::unique_ptr<platform::LinuxMachine> machine;
     MovedClock clock;
@@ -85,6 +87,7 @@ struct AppRig {
              real.facts, processes, clock, real.messageLoop, real.messageBoxes},
             errorDialog,
             instance,
+            desktopTypes,
             machine->appPath()});
         if (!program->start(commandLine))
             return *program;

@@ -91,6 +91,21 @@ TEST_F(Autostart, LetsNoNameOrPathBreakOutOfItsLineOrFolder)
                                                         "Terminal=false\n");
 }
 
+// A desktop looks for the program before it takes the doubled `%` for one.
+TEST_F(Autostart, StartsAProgramWithAPercentSignInItsPath)
+{
+    registry.setString(RegistryRoot::LocalMachine, kRunKey, "Vardelin", "\"C:\\50%\\Vardelin\" -q");
+    mirror();
+    EXPECT_EQ(
+        entry("vardelin-vardelin.desktop"),
+        "[Desktop Entry]\n"
+        "Type=Application\n"
+        "Name=Vardelin\n"
+        "TryExec=/50%/Vardelin\n"
+        "Exec=/bin/sh -c \"exec \\\\\"\\\\$0\\\\\" \\\\\"\\\\$@\\\\\"\" \"/50%%/Vardelin\" \"-q\"\n"
+        "Terminal=false\n");
+}
+
 TEST_F(Autostart, NamesTheFolderThatItCannotMake)
 {
     config.write("autostart", "a file in the way");

@@ -1,3 +1,4 @@
+#include "platform/memory/memory_desktop_types.h"
 #include "shell/file_types.h"
 #include "support/profile_rig.h"
 
@@ -18,9 +19,11 @@ using testing::IsEmpty;
 constexpr auto kClasses = RegistryRoot::ClassesRoot;
 
 struct TypesRig : test::ProfileRig {
+    platform::MemoryDesktopTypes desktop;
+
     void activate(const std::string& commandLine = {})
     {
-        RegistryFileTypes(profiles, commandLine).ActivateForIcon();
+        RegistryFileTypes(profiles, desktop, commandLine).ActivateForIcon();
     }
     bool isWritten() { return registry.keyExists(kClasses, ".vdp"); }
     std::vector<std::string> dialogs() const
@@ -154,6 +157,57 @@ TEST(ActivateForIcon, TellsADamagedStoreOnceForItsTexts)
                 ElementsAre("ActivateForIcon: 57", "ActivateForIcon: 57", "ActivateForIcon: 57"));
     EXPECT_EQ(rig.registry.script().countOf("registry.setValue"), 3U);
     EXPECT_FALSE(rig.frame.BL_Reg_Write_Failed) << "the next batch begins anew";
+}
+
+// Whatever becomes of the desktop, the classes stand by then.
+TEST(ActivateForIcon, TellsTheDesktopBehindTheClasses)
+{
+    TypesRig rig;
+    int written = 0;
+    rig.desktop.script().onCallsNamed("desktop.registerProgram", [&](const auto&) {
+        written = static_cast<int>(rig.registry.script().countOf("registry.setValue"));
+    });
+    rig.activate();
+    EXPECT_EQ(written, 15);
+    EXPECT_TRUE(rig.desktop.known);
+    EXPECT_EQ(rig.entries().back(), "ActivateForIcon End 1");
+}
+
+TEST(ActivateForIcon, TellsTheDesktopThoughTheClassesMayNotBeWritten)
+{
+    TypesRig rig;
+    rig.registry.script().failCallsNamed("registry.setValue",
+                                         base::error_number::kPermissionDenied);
+    rig.activate();
+    EXPECT_TRUE(rig.desktop.known);
+}
+
+TEST(ActivateForIcon, TellsTheDesktopNothingBehindADocumentThatCannotBeOpened)
+{
+    TypesRig rig;
+    rig.activate("C:\\missing.vdp");
+    EXPECT_FALSE(rig.desktop.known);
+}
+
+TEST(ActivateForIcon, LeavesADesktopThatCannotBeToldToTheTrace)
+{
+    for (const int number :
+         {base::error_number::kPermissionDenied, base::error_number::kDeviceIo}) {
+        TypesRig rig;
+        rig.frame.BL_Reg_Write_Failed = true;
+        rig.desktop.script().failCallsNamed("desktop.registerProgram", number);
+        rig.activate();
+        EXPECT_THAT(rig.dialog.shown, IsEmpty());
+        EXPECT_THAT(rig.boxes(), IsEmpty());
+        EXPECT_EQ(rig.errors.LG_Err_Number, 0);
+        EXPECT_FALSE(rig.frame.BL_Reg_Write_Failed);
+        const auto entries = rig.entries();
+        ASSERT_GE(entries.size(), 2U);
+        EXPECT_EQ(entries[entries.size() - 2], "Desktop: Error 1");
+        EXPECT_EQ(entries.back(), "ActivateForIcon End 1");
+        EXPECT_NE(rig.disk.readAll(rig.trace.logFileName()).find(base::descriptionOf(number)),
+                  std::string::npos);
+    }
 }
 
 TEST(SaveString, DoesNothingWhileAWriteHasFailed)

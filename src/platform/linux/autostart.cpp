@@ -2,6 +2,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/linux/desktop_entry.h"
 #include "platform/linux/native_text.h"
 
 #include <filesystem>
@@ -17,28 +18,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kPrefix = "vardelin-";
 constexpr std::string_view kSuffix = ".desktop";
-
-// One line of text in a desktop entry ("Desktop Entry Specification", values of type string).
-std::string lineText(std::string_view text)
-{
-    std::string result = base::replaceAll(text, "\\", "\\\\");
-    result = base::replaceAll(result, "\n", "\\n");
-    return base::replaceAll(result, "\r", "\\r");
-}
-
-// One word of the key Exec: quoted by its own rules, its field codes switched off.
-std::string execWord(std::string_view word)
-{
-    std::string quoted = "\"";
-    for (const char c : word) {
-        if (c == '"' || c == '`' || c == '$' || c == '\\')
-            quoted += '\\';
-        quoted += c;
-        if (c == '%')
-            quoted += '%';
-    }
-    return quoted + '"';
-}
 
 // The keys that start a program: TryExec names it, so that a desktop passes over one that is not
 // there ("Desktop Application Autostart Specification"), and Exec has what stands behind it, too.
@@ -59,12 +38,12 @@ std::optional<std::string> execLines(std::string_view command, const FileSystem&
     } catch (const base::RuntimeError&) {
         return std::nullopt; // a drive that is not there now: nothing could be started
     }
-    std::string line = execWord(native);
+    std::string line = execStart(native);
     for (std::string_view word : base::split(rest, " ")) {
         if (!word.empty())
             line += " " + execWord(word);
     }
-    return "TryExec=" + lineText(native) + "\nExec=" + lineText(line) + "\n";
+    return "TryExec=" + entryText(native) + "\nExec=" + entryText(line) + "\n";
 }
 
 // A value's name as a file's: bytes that a path or a shell would take otherwise become `_`.
@@ -90,7 +69,7 @@ void mirrorRunKey(Registry& registry, const FileSystem& fileSystem, const std::s
                 continue;
             if (const auto exec = execLines(value.data, fileSystem))
                 wanted[fileName(value.name)] =
-                    "[Desktop Entry]\nType=Application\nName=" + lineText(value.name) + "\n" +
+                    "[Desktop Entry]\nType=Application\nName=" + entryText(value.name) + "\n" +
                     *exec + "Terminal=false\n";
         }
     }

@@ -14,24 +14,6 @@
 #include <vector>
 
 namespace vardelin::platform {
-namespace {
-
-std::string executablePath()
-{
-    std::array<char, PATH_MAX> buffer{};
-    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
-    if (length <= 0)
-        return {};
-    std::string path(buffer.data(), static_cast<std::size_t>(length));
-    // What the kernel adds when the program was replaced while it runs, as an update does.
-    constexpr std::string_view kDeleted = " (deleted)";
-    if (path.ends_with(kDeleted) && ::access(path.c_str(), F_OK) != 0)
-        path.resize(path.size() - kDeleted.size());
-    return path;
-}
-
-} // namespace
-
 LinuxMachineFacts::LinuxMachineFacts(FileSystem& fileSystem) : m_fileSystem(fileSystem) {}
 
 std::string LinuxMachineFacts::userName()
@@ -94,6 +76,20 @@ std::optional<HostAddress> LinuxMachineFacts::hostAddress(std::string_view name)
     HostAddress address{};
     std::memcpy(address.data(), &socketAddress.sin_addr, address.size());
     return address;
+}
+
+std::string executablePath()
+{
+    std::array<char, PATH_MAX> buffer{};
+    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
+    if (length <= 0)
+        return {};
+    std::string path(buffer.data(), static_cast<std::size_t>(length));
+    // What the kernel adds when the program was replaced while it runs, as an update does.
+    constexpr std::string_view kDeleted = " (deleted)";
+    if (path.ends_with(kDeleted) && ::access(path.c_str(), F_OK) != 0)
+        path.resize(path.size() - kDeleted.size());
+    return path;
 }
 
 std::string executableFolder()

@@ -25,8 +25,9 @@ private:
     FileSystem& m_fileSystem;
 };
 
-// The folder of the running program, in the machine's own form, without a slash at the end; empty
-// where the system does not say.
+// The file of the running program, in the machine's own form; empty where the system does not say.
+std::string executablePath();
+// Its folder, without a slash at the end; empty likewise.
 std::string executableFolder();
 
 } // namespace vardelin::platform

@@ -63,7 +63,11 @@ protected:
         fs::create_directories(home);
         fs::permissions(home, fs::perms::owner_all);
         ::setenv("HOME", home.c_str(), 1);
+        // The program tells the desktop of itself: not that of who runs the tests.
+        ::setenv("XDG_DATA_HOME", share.c_str(), 1);
+        ::setenv("XDG_DATA_DIRS", "/usr/local/share:/usr/share", 1);
         ::setenv("XDG_CONFIG_HOME", (home + "/.config").c_str(), 1);
+        ::setenv("XDG_CACHE_HOME", (home + "/.cache").c_str(), 1);
         ::setenv("XDG_RUNTIME_DIR", home.c_str(), 1);
         ::setenv("QT_QPA_PLATFORM", "xcb", 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
@@ -215,6 +219,7 @@ protected:
     OddFolder folder;
     std::string app = folder / "app";
     std::string home = folder / "home";
+    std::string share = folder / "home/.local/share"; // the desktop's own data
     std::string sources = folder / "sources";
     std::optional<Screen> screen;
 };
