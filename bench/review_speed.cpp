@@ -15,6 +15,7 @@
 #include "platform/linux/linux_clock.h"
 #include "platform/linux/linux_file_system.h"
 #include "platform/memory/memory_machine.h"
+#include "process_figures.h"
 #include "trace/run_trace.h"
 
 #include <fmt/format.h>
@@ -26,13 +27,11 @@
 #include <exception>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
 
@@ -40,6 +39,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace vardelin;
+using bench::cpuSeconds;
+using bench::peakMebibytes;
 
 constexpr std::size_t kVersions = 4; // copies of each source, the full one included
 
@@ -83,30 +84,6 @@ void makeArchive(const fs::path& dir, std::size_t folders, std::size_t copies, s
         makeFolder(dir / "store/Home/C/flat", flat);
     fmt::print("{} copies in {} folders\n", folders * copies + flat,
                folders + (flat > 0 ? 1U : 0U));
-}
-
-// VmHWM of this process, in MiB.
-std::size_t peakMebibytes()
-{
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    while (status >> word) {
-        std::size_t kibibytes = 0;
-        if (word == "VmHWM:" && status >> kibibytes)
-            return kibibytes / 1024;
-    }
-    return 0;
-}
-
-// That this process has used, for itself and in the system: what a busy machine does not change.
-double cpuSeconds()
-{
-    struct rusage used {};
-    ::getrusage(RUSAGE_SELF, &used);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(used.ru_utime) + seconds(used.ru_stime);
 }
 
 // Every error ends the measurement.

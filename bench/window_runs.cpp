@@ -3,6 +3,7 @@
 #include "platform/memory/memory_desktop_types.h"
 #include "platform/memory/memory_instance_lock.h"
 #include "platform/memory/memory_processes.h"
+#include "process_figures.h"
 #include "ui/qt_ports.h"
 
 #include <fmt/format.h>
@@ -11,14 +12,12 @@
 #include <chrono>
 #include <cstdlib>
 #include <exception>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <sys/resource.h>
 #include <vector>
 
 #include <QAbstractItemView>
@@ -43,33 +42,13 @@
 namespace {
 
 using namespace vardelin;
+using bench::cpuSeconds;
+using bench::peakMebibytes;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kRestored = "File(s) have been successfully restored";
 constexpr const char* kSaved = "Backup is completed successfully";
 constexpr int kDeepest = 60; // rows from the top to a file, at most
-
-double cpuSeconds()
-{
-    struct rusage used {};
-    ::getrusage(RUSAGE_SELF, &used);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(used.ru_utime) + seconds(used.ru_stime);
-}
-
-std::size_t peakMebibytes()
-{
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    while (status >> word) {
-        std::size_t kibibytes = 0;
-        if (word == "VmHWM:" && status >> kibibytes)
-            return kibibytes / 1024;
-    }
-    return 0;
-}
 
 void step(std::string_view name, const std::function<void()>& work)
 {
