@@ -32,7 +32,9 @@ Application::Application(const Ports& ports)
       m_runner(
           trace, [this] { showRecords(); }, [] { QCoreApplication::exit(); }),
       m_messageBoxes(ports.machine.messageBoxes, m_runner, [this] { showProgress(); }),
-      m_messageLoop(ports.machine.messageLoop, m_runner, [this] { showProgress(); }),
+      m_messageLoop(
+          ports.machine.messageLoop, m_runner, [this] { showProgress(); },
+          [this] { return cancelForm.loaded != (m_cancelView && m_cancelView->isVisible()); }),
       m_machine(with(ports.machine, m_messageLoop, m_messageBoxes)),
       m_commands(m_runner, m_messageBoxes), m_window(mainFrame, frame, m_commands),
       m_editorWindow(m_window, hooks()),

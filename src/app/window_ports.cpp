@@ -18,7 +18,7 @@ platform::Answer UnwindingMessageBoxes::show(std::string_view text, std::string_
 
 void UnwindingMessageLoop::yield()
 {
-    if (!m_sinceShown.isValid() || m_sinceShown.hasExpired(kShowEveryMs)) {
+    if (!m_sinceShown.isValid() || m_sinceShown.hasExpired(kShowEveryMs) || m_isUrgent()) {
         m_showViews();
         m_sinceShown.start();
     }

@@ -32,9 +32,11 @@ private:
 // a run yields for each file, and laying out its name takes longer than saving a small one.
 class UnwindingMessageLoop final : public platform::MessageLoop {
 public:
+    // `isUrgent` tells that a whole window has to come or go, which does not wait.
     UnwindingMessageLoop(platform::MessageLoop& loop, HandlerRunner& runner,
-                         std::function<void()> showViews)
-        : m_loop(loop), m_runner(runner), m_showViews(std::move(showViews))
+                         std::function<void()> showViews, std::function<bool()> isUrgent)
+        : m_loop(loop), m_runner(runner), m_showViews(std::move(showViews)),
+          m_isUrgent(std::move(isUrgent))
     {
     }
     void yield() override;
@@ -43,6 +45,7 @@ private:
     platform::MessageLoop& m_loop;
     HandlerRunner& m_runner;
     std::function<void()> m_showViews;
+    std::function<bool()> m_isUrgent;
     QElapsedTimer m_sinceShown;
 };
 

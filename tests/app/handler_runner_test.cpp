@@ -113,7 +113,8 @@ TEST_F(Runner, AQuestionDuringWhichTheProgramWasEndedHasNoAnswer)
 TEST_F(Runner, YieldingShowsTheRecordsFirst)
 {
     platform::CountingMessageLoop inner;
-    UnwindingMessageLoop loop(inner, runner, [this] { ++shown; });
+    UnwindingMessageLoop loop(
+        inner, runner, [this] { ++shown; }, [] { return false; });
     loop.yield();
     EXPECT_EQ(shown, 1);
     EXPECT_EQ(inner.yields, 1U);
@@ -124,11 +125,30 @@ TEST_F(Runner, YieldingInARowShowsTheRecordsNowAndThenAndHandlesInputEachTime)
 {
     constexpr int kFiles = 5000;
     platform::CountingMessageLoop inner;
-    UnwindingMessageLoop loop(inner, runner, [this] { ++shown; });
+    UnwindingMessageLoop loop(
+        inner, runner, [this] { ++shown; }, [] { return false; });
     for (int i = 0; i < kFiles; ++i)
         loop.yield();
     EXPECT_LT(shown, kFiles);
     EXPECT_EQ(inner.yields, static_cast<std::size_t>(kFiles));
+}
+
+// The next turn may be far away: the window of a run whose first file is a large one.
+TEST_F(Runner, AWindowThatHasToComeUpDoesNotWaitForItsTurn)
+{
+    platform::CountingMessageLoop inner;
+    bool missing = false;
+    UnwindingMessageLoop loop(
+        inner, runner,
+        [&] {
+            ++shown;
+            missing = false;
+        },
+        [&] { return missing; });
+    loop.yield();
+    missing = true;
+    loop.yield();
+    EXPECT_EQ(shown, 2);
 }
 
 TEST_F(Runner, AQuestionComesUpInFrontOfWhatTheHandlerLeft)

@@ -6,7 +6,12 @@
 namespace vardelin::engine {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr std::chrono::milliseconds kLook{2};
+// Without news for so long the file in work is told again: a window waits for a turn, and a person
+// for Cancel, while a disk does not answer.
+constexpr std::chrono::milliseconds kLongestSilence{200};
 
 } // namespace
 
@@ -35,6 +40,8 @@ void EventQueue::pump(std::size_t workers, const std::function<void(const std::s
                       const std::function<void(double)>& onProgress)
 {
     std::vector<std::string> files;
+    std::string last;
+    Clock::time_point told = Clock::now();
     for (;;) {
         bool ended = false;
         {
@@ -46,8 +53,14 @@ void EventQueue::pump(std::size_t workers, const std::function<void(const std::s
         if (files.size() >= kMostWaiting)
             m_changed.notify_all();
         const double units = m_units.exchange(0);
+        if (!files.empty())
+            last = files.back();
+        else if (!last.empty() && !ended && Clock::now() - told >= kLongestSilence)
+            files.push_back(last);
         for (const std::string& file : files)
             onFile(file);
+        if (!files.empty())
+            told = Clock::now();
         files.clear();
         if (units > 0)
             onProgress(units);

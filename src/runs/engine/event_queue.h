@@ -24,7 +24,8 @@ public:
     // From a worker's thread, as its last call; `workers` of them end the queue.
     void workerEnds();
 
-    // On the caller's thread: hands on what comes until every worker has ended.
+    // On the caller's thread: hands on what comes until every worker has ended. Where nothing comes
+    // for a fifth of a second, the file that was told last is told again.
     void pump(std::size_t workers, const std::function<void(const std::string&)>& onFile,
               const std::function<void(double)>& onProgress);
 
