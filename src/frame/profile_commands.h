@@ -24,8 +24,8 @@ void CreateNewProfile(FrameContext& context);
 
 // Save under a name that is asked for, and under the name that the profile has, which is a file
 // name in Profiles. True where the profile is on the disk. Otherwise the person was told why,
-// everything in the editor still counts as changed, and the file is the old one. A save that comes in
-// while a folder of the tree is being read is refused: the folder's lines would be missing.
+// everything in the editor still counts as changed, and the file is the old one. A save that comes
+// in while a folder of the tree is being read is refused: the folder's lines would be missing.
 bool SaveProfile(FrameContext& context);
 bool EditSaveMode(FrameContext& context, std::string_view name);
 

@@ -45,8 +45,8 @@ struct frmVDStorage {
 
     bool enabled = true; // the pop-up menu's commands
     bool hourglass = false;
-    // Rows are being made, deleted or restored. Paint and input go on meanwhile: clicks on rows come back at
-    // once, and the view refuses to close until it is over.
+    // Rows are being made, deleted or restored. Paint and input go on meanwhile: clicks on rows
+    // come back at once, and the view refuses to close until it is over.
     bool busy = false;
     bool loaded = false;
     bool visible = false;
