@@ -1,6 +1,7 @@
 #include "app/application.h"
 
 #include "app/editor_handlers.h"
+#include "platform/path_rule.h"
 #include "ui/archive_form_handlers.h"
 #include "ui/frame_form_handlers.h"
 
@@ -8,11 +9,6 @@
 
 namespace vardelin::app {
 namespace {
-
-base::KeyRule pathRule(const platform::FileSystem& files)
-{
-    return files.isCaseSensitive() ? base::KeyRule::Exact : base::KeyRule::IgnoreCase;
-}
 
 platform::Machine with(platform::Machine machine, platform::MessageLoop& loop,
                        platform::MessageBoxes& boxes)
@@ -27,8 +23,9 @@ platform::Machine with(platform::Machine machine, platform::MessageLoop& loop,
 Application::Application(const Ports& ports)
     : runTrace(ports.machine.fileSystem, ports.machine.clock, ports.machine.messageBoxes,
                ports.appPath, ports.machine.facts.executableName()),
-      trace{runTrace, errors, ports.errorDialog}, store(pathRule(ports.machine.fileSystem)),
-      treeForm(pathRule(ports.machine.fileSystem)),
+      trace{runTrace, errors, ports.errorDialog},
+      store(platform::pathRule(ports.machine.fileSystem)),
+      treeForm(platform::pathRule(ports.machine.fileSystem)),
       m_runner(
           trace, [this] { showRecords(); }, [] { QCoreApplication::exit(); }),
       m_messageBoxes(ports.machine.messageBoxes, m_runner, [this] { showProgress(); }),

@@ -4,6 +4,7 @@
 #include "base/runtime_error.h"
 #include "frame/command.h"
 #include "frame/window_commands.h"
+#include "platform/path_rule.h"
 #include "ui/archive_form_handlers.h"
 #include "ui/log_view.h"
 #include "ui/review_view.h"
@@ -11,20 +12,11 @@
 #include <utility>
 
 namespace vardelin::app {
-namespace {
-
-base::KeyRule pathRule(const platform::FileSystem& files)
-{
-    return files.isCaseSensitive() ? base::KeyRule::Exact : base::KeyRule::IgnoreCase;
-}
-
-} // namespace
-
 ArchiveParts::ArchiveParts(profile::ProfileContext& profiles, ui::MainWindow& window,
                            ui::QtEditorWindow& editorWindow, HandlerRunner& runner,
                            state::MainFrameForm& mainFrame)
-    : review(pathRule(profiles.machine.fileSystem)), m_profiles(profiles), m_window(window),
-      m_runner(runner),
+    : review(platform::pathRule(profiles.machine.fileSystem)), m_profiles(profiles),
+      m_window(window), m_runner(runner),
       m_windows(window, editorWindow, runner, mainFrame), m_review{profiles.machine,
                                                                    profiles.trace,
                                                                    profiles.frame,
@@ -103,10 +95,7 @@ void ArchiveParts::mnuBkpSto_Click()
 // may be another profile's: it is written anew for this one.
 void ArchiveParts::loadReview()
 {
-    const std::uint64_t revision = storage.rowsRevision;
-    storage = {};
-    storage.rowsRevision = revision + 1;
-    review = archive::ReviewState(pathRule(m_profiles.machine.fileSystem));
+    emptyReview();
     if (!m_profiles.store.scalars.bCompressFiles) {
         archive::PacedLoop loop(m_profiles.machine.messageLoop, m_profiles.machine.clock);
         base::PendingError noList; // the load says that there is none
@@ -145,12 +134,17 @@ void ArchiveParts::mnudispQ_Click()
     runLogs(&logs::mnudispQ_Click);
 }
 
-void ArchiveParts::unloadReview()
+void ArchiveParts::emptyReview()
 {
     const std::uint64_t revision = storage.rowsRevision;
     storage = {};
     storage.rowsRevision = revision + 1;
-    review = archive::ReviewState(pathRule(m_profiles.machine.fileSystem));
+    review = archive::ReviewState(platform::pathRule(m_profiles.machine.fileSystem));
+}
+
+void ArchiveParts::unloadReview()
+{
+    emptyReview();
     reviewIsOpen = false;
 }
 

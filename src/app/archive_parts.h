@@ -63,6 +63,7 @@ public:
     bool reviewIsOpen = false;
 
 private:
+    void emptyReview();
     void loadReview();
     void closeReview();
     void closeLogs();

@@ -8,6 +8,7 @@
 #include "archive/review_work.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/path_rule.h"
 #include "state/name_tables.h"
 #include "trace/messages.h"
 
@@ -58,8 +59,7 @@ public:
     explicit Deletion(ReviewContext& context)
         : m_context(context), m_files(context.machine.fileSystem), m_review(context.review),
           m_rows(context.form.lstRestore), m_gone(m_rows.size(), false),
-          m_clxnModelDrop(m_files.isCaseSensitive() ? base::KeyRule::Exact
-                                                    : base::KeyRule::IgnoreCase)
+          m_clxnModelDrop(platform::pathRule(m_files))
     {
     }
 

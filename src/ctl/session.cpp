@@ -3,6 +3,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "ctl/paths.h"
+#include "platform/path_rule.h"
 #include "profile/interrupted_saves.h"
 
 #include <algorithm>
@@ -15,11 +16,6 @@ namespace {
 
 constexpr std::string_view kExtension = ".vdp";
 
-base::KeyRule pathRule(const platform::FileSystem& files)
-{
-    return files.isCaseSensitive() ? base::KeyRule::Exact : base::KeyRule::IgnoreCase;
-}
-
 } // namespace
 
 Session::Session(const platform::Machine& ports, Terminal& streams, Output& out,
@@ -27,7 +23,7 @@ Session::Session(const platform::Machine& ports, Terminal& streams, Output& out,
     : machine(ports), terminal(streams), output(out), dialog(out),
       runTrace(ports.fileSystem, ports.clock, ports.messageBoxes, appPath,
                std::string(kProgramName)),
-      trace{runTrace, errors, dialog}, store(pathRule(ports.fileSystem)),
+      trace{runTrace, errors, dialog}, store(platform::pathRule(ports.fileSystem)),
       schedules({machine, trace, frame, editor, store.save}),
       editorLists(trace, editor), profiles{machine, trace,     frame,       editor,
                                            store,   schedules, editorLists, fileNumbers}

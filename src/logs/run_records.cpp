@@ -4,6 +4,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "logs/log_folder.h"
+#include "platform/path_rule.h"
 
 #include <algorithm>
 #include <span>
@@ -308,8 +309,7 @@ Queue readQueue(FileSystem& fileSystem, std::string_view appPath)
     queue.fileExists = fileSystem.fileExists(path);
     if (!queue.fileExists)
         return queue;
-    base::KeyedCollection<bool> seen(fileSystem.isCaseSensitive() ? base::KeyRule::Exact
-                                                                  : base::KeyRule::IgnoreCase);
+    base::KeyedCollection<bool> seen(platform::pathRule(fileSystem));
     const std::string text = fileSystem.readAll(path);
     for (const std::string_view line : linesOf(text)) {
         const std::string_view name = base::trim(line);

@@ -2,6 +2,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/path_rule.h"
 #include "profile/file_details.h"
 
 #include <utility>
@@ -43,9 +44,7 @@ std::vector<FolderEntryInfo> entriesOf(platform::FileSystem& fileSystem, std::st
 } // namespace
 
 clsFiles::clsFiles(ListingContext context, std::string path)
-    : m_context(context), m_path(std::move(path)),
-      m_entries(context.fileSystem.isCaseSensitive() ? base::KeyRule::Exact
-                                                     : base::KeyRule::IgnoreCase)
+    : m_context(context), m_path(std::move(path)), m_entries(platform::pathRule(context.fileSystem))
 {
 }
 

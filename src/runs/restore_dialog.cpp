@@ -3,6 +3,7 @@
 #include "archive/paced_loop.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/path_rule.h"
 #include "profile/file_details.h"
 #include "runs/restore_texts.h"
 #include "state/name_tables.h"
@@ -414,9 +415,8 @@ void restoreCancel_Click(RestoreContext& context)
 SelectedEntries selectedEntries(RestoreContext& context)
 {
     const platform::Machine& machine = context.profiles.machine;
-    SelectedEntries entries{.clxnRestore = base::TextCollection(machine.fileSystem.isCaseSensitive()
-                                                                    ? base::KeyRule::Exact
-                                                                    : base::KeyRule::IgnoreCase)};
+    SelectedEntries entries{.clxnRestore =
+                                base::TextCollection(platform::pathRule(machine.fileSystem))};
     Model model(context);
     archive::PacedLoop loop(machine.messageLoop, machine.clock);
     const auto& rows = context.storage.lstRestore;
