@@ -1,5 +1,4 @@
-#include "opening_rig.h"
-#include "platform/memory/power_cut_file_system.h"
+#include "power_cut_rig.h"
 #include "profile/interrupted_saves.h"
 #include "profile/profile_change.h"
 #include "profile/profile_writer.h"
@@ -207,23 +206,7 @@ TEST(InterruptedSaves, OneFailingCallLeavesTheRestForTheNextTime)
 
 // Writes and scrambles a profile as the window and vardelinctl do, on a disk that keeps for certain
 // only what was flushed.
-struct PowerCutSave {
-    platform::MemoryTree tree{true};
-    platform::PowerCutFileSystem disk{withDrive(tree)};
-    platform::CallScript script;
-    platform::ScriptedFileSystem files{disk, script};
-    test::OpeningRig rig; // everything but the disk
-    platform::Machine machine{files,     rig.drives,      rig.registry,
-                              rig.shell, rig.facts,       rig.processes,
-                              rig.clock, rig.messageLoop, rig.messageBoxes};
-    ProfileContext profiles{machine,   rig.ownContext, rig.frame, rig.editor,
-                            rig.store, rig.schedules,  rig.lists, rig.fileNumbers};
-
-    static platform::MemoryTree& withDrive(platform::MemoryTree& tree)
-    {
-        tree.addDrive('C');
-        return tree;
-    }
+struct PowerCutSave : test::PowerCutRig {
     void save(std::string_view names)
     {
         const std::string folder(kFolder);

@@ -1,5 +1,4 @@
-#include "opening_rig.h"
-#include "platform/memory/power_cut_file_system.h"
+#include "power_cut_rig.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,27 +10,11 @@ constexpr std::string_view kLocal = "C:\\App\\Profiles\\Home.vdp";
 constexpr std::string_view kRemote = "D:\\Media\\Home.vdp";
 
 // The open dialog on a disk that keeps for certain only what was flushed.
-struct PowerCutRig {
-    platform::MemoryTree tree{true};
-    platform::PowerCutFileSystem disk{withDrives(tree)};
-    platform::CallScript script;
-    platform::ScriptedFileSystem files{disk, script};
-    test::OpeningRig rig; // everything but the disk
-    platform::Machine machine{files,     rig.drives,      rig.registry,
-                              rig.shell, rig.facts,       rig.processes,
-                              rig.clock, rig.messageLoop, rig.messageBoxes};
-    ProfileContext profiles{machine,   rig.ownContext, rig.frame, rig.editor,
-                            rig.store, rig.schedules,  rig.lists, rig.fileNumbers};
+struct OpeningPowerCut : test::PowerCutRig {
     clsFiles found{{files, rig.ownContext, rig.frame, rig.listing}};
     OpeningContext opening{profiles, rig.form,    rig.window,         rig.listing,
                            found,    rig.chooser, rig.bProfileOpened, rig.lastSelected};
 
-    static platform::MemoryTree& withDrives(platform::MemoryTree& tree)
-    {
-        tree.addDrive('C');
-        tree.addDrive('D');
-        return tree;
-    }
     void put(std::string_view path, std::string_view bytes)
     {
         disk.createFolders(platform::parentOf(path));
@@ -53,7 +36,7 @@ TEST(RemotePowerCut, LeavesTheLocalProfileAtOneOfItsTwoPlaces)
     bool finished = false;
     for (std::size_t call = 1; !finished; ++call) {
         for (std::uint64_t seed = 1; seed <= kCuts; ++seed) {
-            PowerCutRig world;
+            OpeningPowerCut world;
             world.put(kLocal, local);
             world.put(kRemote, remote);
             world.disk.createFolders("C:\\App\\Data");
